@@ -1,0 +1,9 @@
+find_package(benchmark REQUIRED)
+# benchmarks/<name>_benchmark.cpp becomes benchmark_<name>.
+file(GLOB benchmark_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/benchmarks/*_benchmark.cpp)
+foreach(source ${benchmark_sources})
+  get_filename_component(name ${source} NAME_WE)
+  string(REGEX REPLACE "_benchmark$" "" name ${name})
+  add_executable(benchmark_${name} ${source})
+  target_link_libraries(benchmark_${name} PRIVATE cockpit_app cockpit_posix cockpit_manual bench_devices simhost_core benchmark::benchmark)
+endforeach()

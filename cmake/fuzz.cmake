@@ -1,0 +1,10 @@
+# tests/fuzz/<name>_fuzz.cpp becomes fuzz_<name>; its seeds stand in tests/fuzz/corpus/<name>.
+file(GLOB fuzz_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/fuzz/*_fuzz.cpp)
+foreach(source ${fuzz_sources})
+  get_filename_component(name ${source} NAME_WE)
+  string(REGEX REPLACE "_fuzz$" "" name ${name})
+  add_executable(fuzz_${name} ${source})
+  target_link_libraries(fuzz_${name} PRIVATE cockpit_app cockpit_web cockpit_manual bench_devices simhost_core)
+  target_compile_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+  target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+endforeach()

@@ -1,0 +1,13 @@
+# The three programs. Each has its main.cpp in its own folder.
+if(EXISTS ${CMAKE_SOURCE_DIR}/src/app/main.cpp)
+  add_executable(cockpit ${CMAKE_SOURCE_DIR}/src/app/main.cpp)
+  target_link_libraries(cockpit PRIVATE cockpit_app cockpit_web cockpit_posix page_assets)
+endif()
+if(EXISTS ${CMAKE_SOURCE_DIR}/bench/main.cpp)
+  add_executable(bench ${CMAKE_SOURCE_DIR}/bench/main.cpp)
+  target_link_libraries(bench PRIVATE bench_core cockpit_web cockpit_posix bench_assets)
+endif()
+if(EXISTS ${CMAKE_SOURCE_DIR}/simhost/main.cpp)
+  add_executable(simhost ${CMAKE_SOURCE_DIR}/simhost/main.cpp)
+  target_link_libraries(simhost PRIVATE simhost_core cockpit_posix)
+endif()

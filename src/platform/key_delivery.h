@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace platform {
+
+// Delivers a key sequence to the active window of the desktop.
+class KeyDelivery {
+  public:
+    virtual ~KeyDelivery() = default;
+    // `keys` is a send-keys text: "^" Control, "+" Shift, then the character, special characters in braces. Throws a
+    // Failure where keys cannot be delivered.
+    virtual void send(const std::string& keys) = 0;
+};
+
+}  // namespace platform

@@ -1,0 +1,2 @@
+// Beast is compiled here, once for the program.
+#include <boost/beast/src.hpp>
