@@ -61,7 +61,8 @@ StackedBoxes::Given StackedBoxes::wait_for(BoxKind kind, const std::string& text
         on_change();
     }
     opened(open_.back());
-    // A box that lies on top of this one belongs to a task that runs inside this wait, so it has gone when we look again.
+    // A box that lies on top of this one belongs to a task that runs inside this wait, so it has gone when we look
+    // again.
     loop_.yield_until_modal([this, &settled] { return given_.has_value() || (settled && settled()); });
     return given_ ? *given_ : Given{};
 }

@@ -21,8 +21,8 @@ class Boxes {
 
     // Shows a text with an OK button.
     virtual void message(const std::string& text) = 0;
-    // Asks with Yes and No. When `settled` is given and becomes true while the box is open, the cause of the question has
-    // gone: the box is withdrawn and the answer is yes.
+    // Asks with Yes and No. When `settled` is given and becomes true while the box is open, the cause of the question
+    // has gone: the box is withdrawn and the answer is yes.
     virtual Answer question(const std::string& text, const std::function<bool()>& settled = {}) = 0;
     // Asks for a line of text, `preset` standing in the field. Nothing when the user cancels.
     virtual std::optional<std::string> input(const std::string& text, const std::string& preset) = 0;

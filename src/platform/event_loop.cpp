@@ -114,8 +114,8 @@ bool EventLoop::run_one_due() {
 }
 
 void EventLoop::run_timer(Timer& timer) {
-    // The handler may destroy its timer (a panel that closes itself does not, but nothing forbids it): after the call the
-    // timer is touched only while the loop still knows it.
+    // The handler may destroy its timer (a panel that closes itself does not, but nothing forbids it): after the call
+    // the timer is touched only while the loop still knows it.
     struct Guard {
         EventLoop& loop;
         Timer* timer;

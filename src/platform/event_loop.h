@@ -20,9 +20,9 @@ struct LoopStopped {};
 
 class EventLoop;
 
-// A periodic timer of the loop. Starting it or changing its interval begins a new period. A handler that comes late makes
-// the periods missed meanwhile collapse into one, and a handler is never entered again while it runs (waits inside it
-// included). It must not outlive its loop.
+// A periodic timer of the loop. Starting it or changing its interval begins a new period. A handler that comes late
+// makes the periods missed meanwhile collapse into one, and a handler is never entered again while it runs (waits
+// inside it included). It must not outlive its loop.
 class Timer {
   public:
     // The timer is off at first. `interval` is at least 1 ms; shorter ones count as 1 ms. `name` shows in statistics.

@@ -9,16 +9,16 @@
 namespace platform {
 
 enum class SerialEvent {
-    receive,           // the receive threshold is reached
-    break_received,    // the line was held at break
-    framing_error,     // a byte came without its stop bit
-    disconnected,      // the device has gone (unplugged) while the logic has the port open
-    reconnected,       // it has come back under its number and was opened again
+    receive,         // the receive threshold is reached
+    break_received,  // the line was held at break
+    framing_error,   // a byte came without its stop bit
+    disconnected,    // the device has gone (unplugged) while the logic has the port open
+    reconnected,     // it has come back under its number and was opened again
 };
 
-// A serial port with a receive event. Events are tasks of the event loop; the handler of one port is never entered again
-// while it runs, waits inside it included. A port stays what the logic made it: one that disappears stays open for the
-// logic (is_open), is not connected, and is opened again by itself when it comes back under its number.
+// A serial port with a receive event. Events are tasks of the event loop; the handler of one port is never entered
+// again while it runs, waits inside it included. A port stays what the logic made it: one that disappears stays open
+// for the logic (is_open), is not connected, and is opened again by itself when it comes back under its number.
 class SerialPort {
   public:
     using EventHandler = std::function<void(SerialEvent)>;

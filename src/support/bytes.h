@@ -58,7 +58,11 @@ inline void put_u16be(std::uint8_t* at, std::uint16_t value) {
 }
 
 // A 16-bit or 32-bit bit pattern taken as a signed value (two's complement).
-constexpr std::int16_t as_i16(std::uint16_t bits) { return static_cast<std::int16_t>(bits); }
-constexpr std::int32_t as_i32(std::uint32_t bits) { return static_cast<std::int32_t>(bits); }
+constexpr std::int16_t as_i16(std::uint16_t bits) {
+    return static_cast<std::int16_t>(bits);
+}
+constexpr std::int32_t as_i32(std::uint32_t bits) {
+    return static_cast<std::int32_t>(bits);
+}
 
 }  // namespace support

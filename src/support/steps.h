@@ -9,8 +9,8 @@ namespace support {
 // Thrown when the user does not want to go on after a failed step; the steps unwind to the place that started them.
 struct StepsAbandoned {};
 
-// Runs a sequence of small steps. When a step fails, `ask` (callable with const Failure&, true = go on) decides: going on
-// skips the rest of that step alone, anything else throws StepsAbandoned. Allocates nothing while all goes well.
+// Runs a sequence of small steps. When a step fails, `ask` (callable with const Failure&, true = go on) decides: going
+// on skips the rest of that step alone, anything else throws StepsAbandoned. Allocates nothing while all goes well.
 template <typename Ask>
 class Steps {
   public:
