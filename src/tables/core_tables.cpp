@@ -90,7 +90,7 @@ void derive_yoke_axes(YokeSettings& settings) {
         YokeAxis axis;
         axis.minimum = minimum;
         axis.maximum = stored_maximum < 500 ? std::int16_t{1023} : stored_maximum;
-        axis.range = support::round_to_i16(static_cast<double>(axis.maximum) - axis.minimum);
+        axis.range = static_cast<std::int16_t>(axis.maximum - axis.minimum);  // wraps
         axis.scale = 1024.0 / axis.range;
         axis.centre = support::round_to_i16(axis.minimum + axis.range / 2.0);
         return axis;
