@@ -208,6 +208,7 @@ struct CoreTables {
     std::int16_t ConfigError = 0;  // 0 good, 1 refused or failed
     std::string ConfigHeader;
     std::int16_t ConfigChanged = 0;
+    std::int16_t ConfigureFromRunPanel = 0;  // 1 = the configuration panel was entered from the run panel
     std::int16_t AutoStartDelay = 10;  // seconds
     std::string ProgramName;
 

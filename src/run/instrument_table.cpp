@@ -1,0 +1,100 @@
+#include "run/instrument_table.h"
+
+#include <array>
+
+#include "run/needle_gauges.h"
+#include "run/unsupported_gauges.h"
+
+namespace run {
+
+namespace {
+
+constexpr InstrumentRow needle_row(int code) {
+    return {.code = code,
+            .set_up = set_up_needle_gauge,
+            .start = forget_needle_gauge,
+            .tick = tick_needle_gauge,
+            .forget = forget_needle_gauge};
+}
+
+// In code order. A type whose family does not stand yet has a row without functions: it takes part in the lights and
+// does nothing else.
+constexpr std::array kInstruments = {
+    needle_row(1),
+    needle_row(2),
+    needle_row(3),
+    needle_row(4),
+    needle_row(5),
+    needle_row(6),
+    InstrumentRow{.code = 7},
+    InstrumentRow{.code = 8},
+    InstrumentRow{.code = 10, .set_up = set_up_bus_io_module},
+    InstrumentRow{.code = 101, .first_tag = 'P', .second_tag = 'P'},
+    InstrumentRow{.code = 103},
+    InstrumentRow{.code = 104},
+    InstrumentRow{.code = 105},
+    InstrumentRow{.code = 106, .lights = LightBus::avionics, .first_tag = 'C', .second_tag = 'A'},
+    InstrumentRow{.code = 107, .lights = LightBus::avionics, .first_tag = 'C', .second_tag = 'A'},
+    InstrumentRow{.code = 108, .lights = LightBus::avionics, .first_tag = 'C', .second_tag = 'A'},
+    InstrumentRow{.code = 109},
+    InstrumentRow{.code = 110, .lights = LightBus::avionics, .first_tag = 'A', .second_tag = 'S'},
+    InstrumentRow{.code = 111, .lights = LightBus::avionics, .first_tag = 'A', .second_tag = 'S'},
+    InstrumentRow{.code = 112, .lights = LightBus::avionics, .first_tag = 'X', .second_tag = 'Y'},
+    InstrumentRow{.code = 113, .lights = LightBus::avionics, .first_tag = 'S', .second_tag = 'D'},
+    InstrumentRow{.code = 114, .lights = LightBus::avionics, .first_tag = 'X', .second_tag = 'Y'},
+    InstrumentRow{.code = 120, .lights = LightBus::avionics, .first_tag = 'C', .second_tag = 'S'},
+    InstrumentRow{.code = 121, .lights = LightBus::avionics, .first_tag = 'A', .second_tag = 'S'},
+    InstrumentRow{.code = 122, .lights = LightBus::avionics, .first_tag = 'X', .second_tag = 'F'},
+    InstrumentRow{.code = 123, .lights = LightBus::avionics, .first_tag = 'S', .second_tag = 'D'},
+    InstrumentRow{.code = 124, .lights = LightBus::avionics, .first_tag = 'A', .second_tag = 'V'},
+    InstrumentRow{.code = 125, .lights = LightBus::avionics},
+    InstrumentRow{.code = 130, .lights = LightBus::avionics},
+    InstrumentRow{.code = 140, .first_tag = 'P', .second_tag = 'T'},
+};
+
+constexpr std::size_t kCodes = 256;
+constexpr std::uint8_t kNoRow = 255;
+
+// Row number by type code, so that the tick finds a row without a search.
+constexpr std::array<std::uint8_t, kCodes> make_index() {
+    std::array<std::uint8_t, kCodes> index{};
+    index.fill(kNoRow);
+    for (std::size_t row = 0; row < kInstruments.size(); ++row) {
+        index[static_cast<std::size_t>(kInstruments[row].code)] = static_cast<std::uint8_t>(row);
+    }
+    return index;
+}
+constexpr std::array<std::uint8_t, kCodes> kRowOfCode = make_index();
+
+bool bears_tag(const bus::GaugeReport& report, int byte_number, char tag) {
+    return tag == 0 || report.byte(byte_number) == static_cast<std::uint8_t>(tag);
+}
+
+}  // namespace
+
+std::span<const InstrumentRow> instrument_rows() {
+    return kInstruments;
+}
+
+const InstrumentRow* find_instrument(int code) {
+    if (code < 0 || static_cast<std::size_t>(code) >= kCodes) {
+        return nullptr;
+    }
+    const std::uint8_t row = kRowOfCode[static_cast<std::size_t>(code)];
+    return row == kNoRow ? nullptr : &kInstruments[row];
+}
+
+const InstrumentRow* match_report(const bus::GaugeReport& report) {
+    const int code = report.GaugeType();
+    if (code < kFirstReportingType || code > kLastReportingType) {
+        return nullptr;
+    }
+    const InstrumentRow* const row = find_instrument(code);
+    if (row == nullptr || !bears_tag(report, bus::kReportFirstTagByte, row->first_tag) ||
+        !bears_tag(report, bus::kReportSecondTagByte, row->second_tag)) {
+        return nullptr;
+    }
+    return row;
+}
+
+}  // namespace run
