@@ -1,0 +1,145 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/event_loop.h"
+#include "platform/random.h"
+#include "platform/serial_port.h"
+
+namespace platform::manual {
+
+// Faults of a wire that a test can set.
+struct WireFaults {
+    bool missing = false;           // open fails: there is no such port
+    bool busy = false;              // open fails: another program has it
+    bool refuses_settings = false;  // open fails on the line settings
+    double loss_to_program = 0.0;   // share of the bytes that get lost, 0..1
+    double loss_to_device = 0.0;
+    double noise_to_program = 0.0;  // share of the bytes that arrive as another byte
+    double noise_to_device = 0.0;
+    Random* random = nullptr;  // decides which bytes; needed for loss and noise
+};
+
+class ManualSerialPort;
+
+// One serial line, by its port number: the program's port at one end, a device model at the other. Bytes take their
+// time at the line's speed (38400 baud, 10 bits a byte).
+class Wire {
+  public:
+    Wire(EventLoop& loop, int number) : loop_(loop), number_(number) {}
+    Wire(const Wire&) = delete;
+    Wire& operator=(const Wire&) = delete;
+
+    // Gets what the program has written, when it has arrived.
+    std::function<void(std::string_view bytes)> to_device;
+    // Sends bytes of the device to the program. They are lost while the wire is unplugged or nobody has the port open.
+    void deliver(std::string_view bytes);
+
+    // Pulls the plug and puts it in again.
+    void unplug();
+    void plug();
+    bool plugged() const { return plugged_; }
+
+    void send_break();
+    void send_framing_error();
+
+    WireFaults faults;
+    bool carrier = false;
+
+    int number() const { return number_; }
+    // The program's port while it has this line open.
+    ManualSerialPort* port() const { return port_; }
+    // All blocks that the program has written, until forgotten. Recording can be switched off for long runs.
+    bool record = true;
+    std::string written;
+    int opens = 0;
+    int writes = 0;
+    int input_clears = 0;
+    std::uint64_t bytes_to_device = 0;
+
+  private:
+    friend class ManualSerialPort;
+
+    void take_from_program(std::string_view bytes);
+    std::string through(std::string_view bytes, double loss, double noise);
+
+    EventLoop& loop_;
+    int number_;
+    bool plugged_ = true;
+    ManualSerialPort* port_ = nullptr;
+    TimePoint to_device_free_{};
+    TimePoint to_program_free_{};
+};
+
+class ManualSerialPorts;
+
+class ManualSerialPort : public SerialPort {
+  public:
+    explicit ManualSerialPort(ManualSerialPorts& ports) : ports_(ports), alive_(std::make_shared<bool>(true)) {}
+    ~ManualSerialPort() override;
+
+    void set_number(int number) override;
+    int number() const override { return number_; }
+    void set_settings(const std::string& settings) override;
+    void set_receive_threshold(std::size_t bytes) override { threshold_ = bytes; }
+    void set_read_length(std::size_t bytes) override { read_length_ = bytes; }
+    void set_event_handler(EventHandler handler) override { handler_ = std::move(handler); }
+    void open() override;
+    void close() override;
+    bool is_open() const override { return wire_ != nullptr; }
+    bool connected() const override { return wire_ != nullptr && wire_->plugged(); }
+    std::string read() override;
+    void clear_input() override;
+    void clear_output() override {}
+    void write(std::string_view bytes) override;
+    bool carrier_detect() const override { return wire_ != nullptr && wire_->carrier; }
+
+    const std::string& settings() const { return settings_; }
+    std::size_t receive_threshold() const { return threshold_; }
+    std::size_t read_length() const { return read_length_; }
+
+  private:
+    friend class Wire;
+
+    void arrived(std::string_view bytes);
+    // Queues an event for the handler; events that come while it runs follow when it has ended.
+    void raise(SerialEvent event);
+    void dispatch(SerialEvent event);
+    void raise_receive_if_due();
+
+    ManualSerialPorts& ports_;
+    std::shared_ptr<bool> alive_;
+    int number_ = 0;
+    std::string settings_;
+    std::size_t threshold_ = 0;
+    std::size_t read_length_ = 0;
+    EventHandler handler_;
+    Wire* wire_ = nullptr;
+    std::string input_;
+    bool receive_queued_ = false;
+    bool in_handler_ = false;
+};
+
+// The numbered lines of one machine.
+class ManualSerialPorts : public SerialPorts {
+  public:
+    explicit ManualSerialPorts(EventLoop& loop) : loop_(loop) {}
+
+    std::unique_ptr<SerialPort> create() override { return std::make_unique<ManualSerialPort>(*this); }
+
+    // The line of a number; made at the first use. Only lines made so exist: the program can't open another.
+    Wire& wire(int number);
+    Wire* find(int number);
+
+    EventLoop& loop() { return loop_; }
+
+  private:
+    EventLoop& loop_;
+    std::map<int, std::unique_ptr<Wire>> wires_;
+};
+
+}  // namespace platform::manual
