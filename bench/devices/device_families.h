@@ -1,0 +1,23 @@
+#pragma once
+
+#include <memory>
+#include <span>
+
+#include "bench/devices/device.h"
+
+namespace bench {
+
+// One type of device on the bus: what the bench makes for it, and which face the virtual cockpit draws.
+struct DeviceFamily {
+    int type;
+    const char* face;  // name of a face of the page
+    std::unique_ptr<Device> (*create)(platform::EventLoop& loop, Identity identity);
+};
+
+// All simulated types, in ascending order.
+std::span<const DeviceFamily> device_families();
+
+// The row of a type. A type without a row gets a device that says who it is and does nothing else.
+const DeviceFamily& device_family(int type);
+
+}  // namespace bench
