@@ -157,7 +157,7 @@ void BusController::answer(int id) {
 void BusController::queue_reply(std::string bytes, platform::Duration think_time) {
     const platform::TimePoint start = std::max(loop_.now() + think_time, line_busy_until_);
     line_busy_until_ = start + timing_.byte_time * static_cast<std::int64_t>(bytes.size());
-    replies_.push_back({line_busy_until_, std::move(bytes)});
+    replies_.push_back({start, std::move(bytes)});
     if (replies_.size() == 1) {
         wait_for_next_reply();
     }

@@ -12,11 +12,16 @@
 
 namespace bench {
 
-// How long a device takes to answer, and a report on the wire.
+// How long a device takes to begin its answer, and how long each byte keeps the line busy. A report is handed over in
+// one piece when it begins; the line takes its own time for it.
 struct ReplyTiming {
     platform::Duration think_time = std::chrono::milliseconds(2);
     platform::Duration byte_time = std::chrono::microseconds(260);  // 10 bits at 38400 baud
 };
+
+// For a line that takes no time, such as a pseudo-terminal: a report is there when its last byte would have come.
+inline constexpr ReplyTiming kTimelessLine = {std::chrono::microseconds(2000 + 25 * 260),
+                                              std::chrono::microseconds(260)};
 
 // A controller with the gauges and instruments that hang on it, at the end of a gauge bus line. Takes 6-byte frames in
 // any pieces, hands each command to the device with that id, and sends a device's 25-byte report when it is asked.
@@ -67,7 +72,7 @@ class BusController : public LineDevice {
         int faulty_replies = 0;
     };
     struct PendingReply {
-        platform::TimePoint due;
+        platform::TimePoint due;  // when its first byte goes out
         std::string bytes;
     };
 

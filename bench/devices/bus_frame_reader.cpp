@@ -5,6 +5,11 @@ namespace bench {
 namespace {
 constexpr std::uint8_t kLowFillBit = 1;   // set in every low byte, whatever the value
 constexpr std::uint8_t kHighFillBit = 2;  // the same for the high byte
+
+// 2 only stands in frames that change an id, and 0 in none.
+bool carries_values(int command) {
+    return command != 0 && command != 2;
+}
 }  // namespace
 
 BusFrameReader::Found BusFrameReader::take(std::uint8_t byte) {
@@ -39,6 +44,9 @@ BusFrameReader::Found BusFrameReader::complete_frame() {
         return Found::identify;
     }
     if ((control & bus::kControlAlwaysSet) == 0 || (low & kLowFillBit) == 0 || (high & kHighFillBit) == 0) {
+        return Found::bad_frame;
+    }
+    if (!carries_values(control >> 4)) {
         return Found::bad_frame;
     }
     // The true values of the two filled bits travel in the control byte.

@@ -12,13 +12,13 @@ namespace bench {
 class BusFrameReader {
   public:
     enum class Found {
-        nothing,      // the byte belongs to a frame that is not complete, or is padding
-        command,      // command() to device id()
-        identify,     // device id() is asked who it is
-        change_id,    // device id() shall answer to new_id()
-        broken,       // a frame was cut short by the start of the next
-        bad_frame,    // six bytes that break the rules of a frame
-        stray_byte,   // a byte outside any frame
+        nothing,     // the byte belongs to a frame that is not complete, or is padding
+        command,     // command() to device id()
+        identify,    // device id() is asked who it is
+        change_id,   // device id() shall answer to new_id()
+        broken,      // a frame was cut short by the start of the next
+        bad_frame,   // six bytes that break the rules of a frame
+        stray_byte,  // a byte outside any frame
     };
 
     // Takes the next byte of the line.

@@ -6,8 +6,9 @@ namespace bench {
 
 namespace {
 
-constexpr std::array<std::string_view, 10> kNames = {"none",        "mute",     "deaf",       "drop_reply", "corrupt_byte",
-                                                     "half_report", "wrong_id", "wrong_type", "late_reply", "noise"};
+constexpr std::array<std::string_view, 10> kNames = {"none",         "mute",        "deaf",     "drop_reply",
+                                                     "corrupt_byte", "half_report", "wrong_id", "wrong_type",
+                                                     "late_reply",   "noise"};
 static_assert(kNames.size() == static_cast<std::size_t>(Fault::noise) + 1);
 
 }  // namespace

@@ -194,8 +194,8 @@ void NeedleGauge::show_state(StateSink& sink) const {
     sink.text("display", has_display_ ? display_text() : std::string());
 }
 
-// Speed, direction, calibration point and the lights' defaults are stored in the gauge; the needle runs to its zero mark
-// from where it stands.
+// Speed, direction, calibration point and the lights' defaults are stored in the gauge; the needle runs to its zero
+// mark from where it stands.
 void NeedleGauge::reset() {
     resolution_ = Resolution::low;
     calibration_point_ = stored_calibration_point_;
