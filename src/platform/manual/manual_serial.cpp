@@ -58,7 +58,7 @@ void Wire::unplug() {
     if (plugged_) {
         plugged_ = false;
         if (port_ != nullptr) {
-            port_->input_.clear();
+            port_->drop_input();
             port_->raise(SerialEvent::disconnected);
         }
     }
@@ -85,15 +85,10 @@ void Wire::send_framing_error() {
     }
 }
 
+ManualSerialPort::ManualSerialPort(ManualSerialPorts& ports) : BufferedSerialPort(ports.loop()), ports_(ports) {}
+
 ManualSerialPort::~ManualSerialPort() {
     close();
-}
-
-void ManualSerialPort::set_number(int number) {
-    if (is_open()) {
-        throw support::Failure("The port number cannot change while the port is open");
-    }
-    number_ = number;
 }
 
 void ManualSerialPort::set_settings(const std::string& settings) {
@@ -107,12 +102,12 @@ void ManualSerialPort::open() {
     if (is_open()) {
         throw support::Failure("Port already open");
     }
-    Wire* wire = ports_.find(number_);
+    Wire* wire = ports_.find(number());
     if (wire == nullptr || wire->faults.missing || !wire->plugged()) {
-        throw support::Failure("Port COM" + std::to_string(number_) + " does not exist");
+        throw support::Failure("Port COM" + std::to_string(number()) + " does not exist");
     }
     if (wire->faults.busy || wire->port_ != nullptr) {
-        throw support::Failure("Port COM" + std::to_string(number_) + " is in use by another program");
+        throw support::Failure("Port COM" + std::to_string(number()) + " is in use by another program");
     }
     if (wire->faults.refuses_settings) {
         throw support::Failure("The port refuses the settings " + settings_);
@@ -120,7 +115,7 @@ void ManualSerialPort::open() {
     wire_ = wire;
     wire_->port_ = this;
     ++wire_->opens;
-    input_.clear();
+    drop_input();
 }
 
 void ManualSerialPort::close() {
@@ -128,18 +123,11 @@ void ManualSerialPort::close() {
         wire_->port_ = nullptr;
         wire_ = nullptr;
     }
-    input_.clear();
-}
-
-std::string ManualSerialPort::read() {
-    const std::size_t length = read_length_ == 0 ? input_.size() : std::min(read_length_, input_.size());
-    std::string taken = input_.substr(0, length);
-    input_.erase(0, length);
-    return taken;
+    drop_input();
 }
 
 void ManualSerialPort::clear_input() {
-    input_.clear();
+    drop_input();
     if (wire_ != nullptr) {
         ++wire_->input_clears;
     }
@@ -147,72 +135,12 @@ void ManualSerialPort::clear_input() {
 
 void ManualSerialPort::write(std::string_view bytes) {
     if (wire_ == nullptr) {
-        throw support::Failure("Port COM" + std::to_string(number_) + " is not open");
+        throw support::Failure("Port COM" + std::to_string(number()) + " is not open");
     }
     if (!wire_->plugged()) {
-        throw support::Failure("Port COM" + std::to_string(number_) + " has gone");
+        throw support::Failure("Port COM" + std::to_string(number()) + " has gone");
     }
     wire_->take_from_program(bytes);
-}
-
-void ManualSerialPort::arrived(std::string_view bytes) {
-    input_.append(bytes);
-    raise_receive_if_due();
-}
-
-void ManualSerialPort::raise_receive_if_due() {
-    if (threshold_ > 0 && input_.size() >= threshold_ && !receive_queued_) {
-        receive_queued_ = true;
-        raise(SerialEvent::receive);
-    }
-}
-
-void ManualSerialPort::raise(SerialEvent event) {
-    ports_.loop().post([this, alive = std::weak_ptr<bool>(alive_), event] {
-        if (!alive.expired()) {
-            dispatch(event);
-        }
-    });
-}
-
-void ManualSerialPort::dispatch(SerialEvent event) {
-    if (in_handler_) {
-        // The handler waits in a box: it has its event later.
-        ports_.loop().post_after(Milliseconds(1), [this, alive = std::weak_ptr<bool>(alive_), event] {
-            if (!alive.expired()) {
-                dispatch(event);
-            }
-        });
-        return;
-    }
-    const std::weak_ptr<bool> alive = alive_;
-    if (event == SerialEvent::receive) {
-        receive_queued_ = false;
-        if (threshold_ == 0 || input_.size() < threshold_) {
-            return;  // read or cleared meanwhile
-        }
-    }
-    if (is_open() && handler_) {
-        struct Guard {
-            ManualSerialPort* port;
-            std::weak_ptr<bool> alive;
-            ~Guard() {
-                if (!alive.expired()) {
-                    port->in_handler_ = false;
-                }
-            }
-        };
-        const std::size_t waiting = input_.size();
-        {
-            in_handler_ = true;
-            const Guard guard{this, alive};
-            handler_(event);
-        }
-        // A handler that took something is called again for what still waits, as a real port does it.
-        if (!alive.expired() && input_.size() != waiting) {
-            raise_receive_if_due();
-        }
-    }
 }
 
 Wire& ManualSerialPorts::wire(int number) {

@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
+#include "platform/buffered_serial_port.h"
 #include "platform/event_loop.h"
 #include "platform/random.h"
-#include "platform/serial_port.h"
 
 namespace platform::manual {
 
@@ -77,51 +77,29 @@ class Wire {
 
 class ManualSerialPorts;
 
-class ManualSerialPort : public SerialPort {
+class ManualSerialPort : public BufferedSerialPort {
   public:
-    explicit ManualSerialPort(ManualSerialPorts& ports) : ports_(ports), alive_(std::make_shared<bool>(true)) {}
+    explicit ManualSerialPort(ManualSerialPorts& ports);
     ~ManualSerialPort() override;
 
-    void set_number(int number) override;
-    int number() const override { return number_; }
     void set_settings(const std::string& settings) override;
-    void set_receive_threshold(std::size_t bytes) override { threshold_ = bytes; }
-    void set_read_length(std::size_t bytes) override { read_length_ = bytes; }
-    void set_event_handler(EventHandler handler) override { handler_ = std::move(handler); }
     void open() override;
     void close() override;
     bool is_open() const override { return wire_ != nullptr; }
     bool connected() const override { return wire_ != nullptr && wire_->plugged(); }
-    std::string read() override;
     void clear_input() override;
     void clear_output() override {}
     void write(std::string_view bytes) override;
     bool carrier_detect() const override { return wire_ != nullptr && wire_->carrier; }
 
     const std::string& settings() const { return settings_; }
-    std::size_t receive_threshold() const { return threshold_; }
-    std::size_t read_length() const { return read_length_; }
 
   private:
     friend class Wire;
 
-    void arrived(std::string_view bytes);
-    // Queues an event for the handler; events that come while it runs follow when it has ended.
-    void raise(SerialEvent event);
-    void dispatch(SerialEvent event);
-    void raise_receive_if_due();
-
     ManualSerialPorts& ports_;
-    std::shared_ptr<bool> alive_;
-    int number_ = 0;
     std::string settings_;
-    std::size_t threshold_ = 0;
-    std::size_t read_length_ = 0;
-    EventHandler handler_;
     Wire* wire_ = nullptr;
-    std::string input_;
-    bool receive_queued_ = false;
-    bool in_handler_ = false;
 };
 
 // The numbered lines of one machine.

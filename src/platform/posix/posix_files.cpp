@@ -1,0 +1,155 @@
+#include "platform/posix/posix_files.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <strings.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+
+namespace platform::posix {
+
+namespace {
+
+constexpr std::size_t kLargestFile = 64U << 20;
+
+}  // namespace
+
+PosixFiles::PosixFiles(const std::string& folder)
+    : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    if (!folder_.valid()) {
+        throw_system_failure("The folder " + folder + " cannot be opened");
+    }
+}
+
+std::string PosixFiles::read(const std::string& name) const {
+    check_file_name(name);
+    // Not blocking: a pipe of that name must not hold the program up.
+    const Descriptor file(::openat(folder_.get(), name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (!file.valid() || ::fstat(file.get(), &status) != 0) {
+        throw_system_failure("The file cannot be opened");
+    }
+    if (!S_ISREG(status.st_mode)) {
+        throw support::Failure("Not a file");
+    }
+    if (status.st_size < 0 || static_cast<std::size_t>(status.st_size) > kLargestFile) {
+        throw support::Failure("The file is too large");
+    }
+    std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t count = ::read(file.get(), bytes.data() + done, bytes.size() - done);
+        if (count < 0 && errno != EINTR) {
+            throw_system_failure("The file cannot be read");
+        }
+        if (count == 0) {
+            break;
+        }
+        done += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    bytes.resize(done);
+    return bytes;
+}
+
+void PosixFiles::replace(const std::string& name, std::string_view bytes) {
+    check_file_name(name);
+    struct stat status {};
+    const bool there = ::fstatat(folder_.get(), name.c_str(), &status, 0) == 0;
+    if (there && !S_ISREG(status.st_mode)) {
+        throw support::Failure("Not a file");
+    }
+    // A file without write permission is refused even where the system would let us rename over it.
+    if (there && ((status.st_mode & S_IWUSR) == 0 || ::faccessat(folder_.get(), name.c_str(), W_OK, AT_EACCESS) != 0)) {
+        throw support::Failure("The file is write-protected");
+    }
+    const std::string temporary = name + ".tmp";
+    try {
+        write_temporary(temporary, bytes, there ? status.st_mode & 0777U : 0644U);
+        if (there) {
+            keep_backup(name);
+        }
+        if (::renameat(folder_.get(), temporary.c_str(), folder_.get(), name.c_str()) != 0) {
+            throw_system_failure("The file cannot be replaced");
+        }
+    } catch (const support::Failure&) {
+        ::unlinkat(folder_.get(), temporary.c_str(), 0);
+        throw;
+    }
+    ::fsync(folder_.get());
+}
+
+void PosixFiles::write_temporary(const std::string& name, std::string_view bytes, unsigned mode) {
+    const Descriptor file(::openat(folder_.get(), name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW,
+                                   static_cast<mode_t>(mode)));
+    if (!file.valid()) {
+        throw_system_failure("The file cannot be written");
+    }
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(file.get(), bytes.data(), bytes.size());
+        if (count < 0 && errno != EINTR) {
+            throw_system_failure("The file cannot be written");
+        }
+        bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
+    if (::fsync(file.get()) != 0) {
+        throw_system_failure("The file cannot be written to disk");
+    }
+}
+
+void PosixFiles::keep_backup(const std::string& name) {
+    // A second name for the old file, put in place of the former backup in one step.
+    const std::string backup = name + ".bak";
+    const std::string link = name + ".bak.tmp";
+    ::unlinkat(folder_.get(), link.c_str(), 0);
+    if (::linkat(folder_.get(), name.c_str(), folder_.get(), link.c_str(), 0) == 0) {
+        if (::renameat(folder_.get(), link.c_str(), folder_.get(), backup.c_str()) != 0) {
+            ::unlinkat(folder_.get(), link.c_str(), 0);
+            throw_system_failure("The version before cannot be kept");
+        }
+        // Renaming a second name of the same file over the first does nothing and leaves it behind.
+        ::unlinkat(folder_.get(), link.c_str(), 0);
+        return;
+    }
+    // A file system without links: copy.
+    const std::string bytes = read(name);
+    write_temporary(backup, bytes, 0644U);
+}
+
+void PosixFiles::remove(const std::string& name) {
+    check_file_name(name);
+    if (::unlinkat(folder_.get(), name.c_str(), 0) != 0) {
+        throw_system_failure("The file cannot be deleted");
+    }
+}
+
+bool PosixFiles::exists(const std::string& name) const {
+    check_file_name(name);
+    return ::faccessat(folder_.get(), name.c_str(), F_OK, 0) == 0;
+}
+
+std::vector<std::string> PosixFiles::list(std::string_view ending) const {
+    std::vector<std::string> names;
+    const int own = ::openat(folder_.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(own >= 0 ? ::fdopendir(own) : nullptr, ::closedir);
+    if (!entries) {
+        return names;
+    }
+    while (const dirent* entry = ::readdir(entries.get())) {
+        const std::string name = entry->d_name;
+        struct stat status {};
+        if (name.size() >= ending.size() &&
+            ::strncasecmp(name.data() + name.size() - ending.size(), ending.data(), ending.size()) == 0 &&
+            ::fstatat(folder_.get(), name.c_str(), &status, 0) == 0 && S_ISREG(status.st_mode)) {
+            names.push_back(name);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+}  // namespace platform::posix

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+
+#include "platform/file_store.h"
+#include "platform/posix/system_failure.h"
+
+namespace platform::posix {
+
+// The files of a folder of the system. Files beyond 64 MiB are not read.
+class PosixFiles : public FileStore {
+  public:
+    // Throws a Failure when the folder cannot be opened.
+    explicit PosixFiles(const std::string& folder);
+
+    std::string read(const std::string& name) const override;
+    void replace(const std::string& name, std::string_view bytes) override;
+    void remove(const std::string& name) override;
+    bool exists(const std::string& name) const override;
+    std::vector<std::string> list(std::string_view ending) const override;
+
+  private:
+    void write_temporary(const std::string& name, std::string_view bytes, unsigned mode);
+    void keep_backup(const std::string& name);
+
+    Descriptor folder_;
+};
+
+}  // namespace platform::posix

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <random>
+#include <string>
+
+#include "platform/key_delivery.h"
+#include "platform/random.h"
+#include "platform/wall_clock.h"
+
+namespace platform::posix {
+
+class PosixWallClock : public WallClock {
+  public:
+    DateTime local_now() const override;
+};
+
+class PosixRandom : public Random {
+  public:
+    std::uint32_t next() override { return device_(); }
+
+  private:
+    std::random_device device_;
+};
+
+// There is no delivery to a desktop on this system yet; each attempt fails with words for the user.
+class PosixKeys : public KeyDelivery {
+  public:
+    void send(const std::string& keys) override;
+};
+
+// A line for standard error: the text with its line breaks as " / " and other control characters as \xNN.
+std::string log_line(const std::string& text);
+
+}  // namespace platform::posix

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <boost/asio/posix/stream_descriptor.hpp>
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/posix/posix_loop.h"
+
+namespace platform::posix {
+
+// What the server does with the sends it gets.
+enum class ServerFault { none, silent };
+
+// The other end of PosixTransport: a window class that answers request blocks. Blocks are answered in tasks of the
+// loop.
+class PosixSimServer {
+  public:
+    // Answers a block in place and gives the reply value.
+    using Server = std::function<std::uint32_t(std::uint8_t* block, std::size_t size)>;
+
+    // Listens on a class text ("UIPCMAIN"). Throws a Failure when another program listens there.
+    PosixSimServer(PosixLoop& loop, const std::string& window_class, Server server);
+    ~PosixSimServer();
+    PosixSimServer(const PosixSimServer&) = delete;
+    PosixSimServer& operator=(const PosixSimServer&) = delete;
+
+    ServerFault fault = ServerFault::none;
+    // Time that passes before each answer.
+    Duration answer_delay = Duration::zero();
+
+    // Drops all clients; they find the server again at their next send.
+    void close_connections();
+    std::size_t connection_count() const { return connections_.size(); }
+    std::uint64_t answered() const { return answered_; }
+
+  private:
+    struct View {
+        std::uint16_t atom = 0;
+        std::uint8_t* block = nullptr;
+    };
+    struct Connection {
+        explicit Connection(boost::asio::io_context& context) : socket(context) {}
+        ~Connection();
+        boost::asio::posix::stream_descriptor socket;
+        std::vector<View> views;
+        bool open = true;
+    };
+    using ConnectionPointer = std::shared_ptr<Connection>;
+
+    void await_client();
+    void accept_clients();
+    void await_send(const ConnectionPointer& connection);
+    void take_sends(const ConnectionPointer& connection);
+    // False when the connection has ended.
+    bool take_one_send(const ConnectionPointer& connection, bool& again);
+    void answer(const ConnectionPointer& connection, std::uint16_t atom, std::uint32_t number);
+    void close(const ConnectionPointer& connection);
+    static std::uint8_t* view_of(const Connection& connection, std::uint16_t atom);
+    static void keep_view(Connection& connection, std::uint16_t atom, int memory);
+
+    PosixLoop& loop_;
+    std::shared_ptr<int> alive_ = std::make_shared<int>(0);
+    Server server_;
+    boost::asio::posix::stream_descriptor listener_;
+    std::list<ConnectionPointer> connections_;
+    std::uint64_t answered_ = 0;
+};
+
+}  // namespace platform::posix
