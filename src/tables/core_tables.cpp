@@ -90,9 +90,10 @@ void derive_yoke_axes(YokeSettings& settings) {
         YokeAxis axis;
         axis.minimum = minimum;
         axis.maximum = stored_maximum < 500 ? std::int16_t{1023} : stored_maximum;
-        axis.range = static_cast<std::int16_t>(axis.maximum - axis.minimum);  // wraps
+        // NOTE: both wrap at 16 bits. A nonsensical calibration must not keep the rest of a configuration from loading.
+        axis.range = static_cast<std::int16_t>(axis.maximum - axis.minimum);
         axis.scale = 1024.0 / axis.range;
-        axis.centre = support::round_to_i16(axis.minimum + axis.range / 2.0);
+        axis.centre = static_cast<std::int16_t>(support::round_to_i32(axis.minimum + axis.range / 2.0));
         return axis;
     };
     const auto& stored = settings.YokeCalibration;

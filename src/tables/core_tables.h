@@ -209,7 +209,7 @@ struct CoreTables {
     std::string ConfigHeader;
     std::int16_t ConfigChanged = 0;
     std::int16_t ConfigureFromRunPanel = 0;  // 1 = the configuration panel was entered from the run panel
-    std::int16_t AutoStartDelay = 10;  // seconds
+    std::int16_t AutoStartDelay = 10;        // seconds
     std::string ProgramName;
 
     std::int16_t PlateCount() const { return static_cast<std::int16_t>(plates.size()); }

@@ -100,8 +100,7 @@ struct YokeSettings {
 };
 
 // Works out the travel of both axes from YokeCalibration, as at the end of a calibration. A maximum below 500 counts as
-// 1023 here; the stored item stays as it is. A range of 0 gives an infinite scale. Throws a Failure when a centre does
-// not fit 16 bits.
+// 1023 here; the stored item stays as it is. A range of 0 gives an infinite scale. Never fails.
 void derive_yoke_axes(YokeSettings& settings);
 
 }  // namespace tables
