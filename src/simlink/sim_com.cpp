@@ -24,7 +24,8 @@ std::string three_digits(int number) {
 
 }  // namespace
 
-SimCom::SimCom(tables::CoreTables& tables, IpcClient& client, platform::Platform& platform, panel::PanelHost& panels)
+SimCom::SimCom(tables::CoreTables& tables, IpcClient& client, const platform::Platform& platform,
+               panel::PanelHost& panels)
     : panel::Panel("SimCom", "Active Offsets"),
       LabelPort(*this, "LabelPort", "Port#"),
       LabelUsedBy(*this, "LabelUsedBy", "Used by"),

@@ -39,7 +39,7 @@ inline constexpr std::int16_t kRmiParked = 5000;
 // cycle; a variable that one of them reads holds the answer of an earlier cycle.
 class SimCom : public panel::Panel {
   public:
-    SimCom(tables::CoreTables& tables, IpcClient& client, platform::Platform& platform, panel::PanelHost& panels);
+    SimCom(tables::CoreTables& tables, IpcClient& client, const platform::Platform& platform, panel::PanelHost& panels);
 
     // Ports. A port number that is not open (-1 = no port) does nothing.
 
