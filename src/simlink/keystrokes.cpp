@@ -28,6 +28,12 @@ constexpr std::array<NamedKey, 37> kNamedKeys = {{
     {221, "Clse Bracket"}, {222, "Quote"},
 }};
 
+std::string numbered(std::string_view name, int number) {
+    std::string text(name);
+    text += std::to_string(number);
+    return text;
+}
+
 }  // namespace
 
 std::uint32_t key_press_parameter(std::uint16_t KeyCode) {
@@ -62,13 +68,13 @@ std::string send_keys_text(std::uint16_t KeyCode) {
 
 std::string key_name(int KeyCode) {
     if (KeyCode >= 112 && KeyCode <= 127) {
-        return "F" + std::to_string(KeyCode - 111);
+        return numbered("F", KeyCode - 111);
     }
     if ((KeyCode >= 'A' && KeyCode <= 'Z') || (KeyCode >= '0' && KeyCode <= '9')) {
         return std::string(1, static_cast<char>(KeyCode));
     }
     if (KeyCode >= 96 && KeyCode <= 105) {
-        return "Numpad" + std::to_string(KeyCode - 96);
+        return numbered("Numpad", KeyCode - 96);
     }
     const auto* const key = std::find_if(kNamedKeys.begin(), kNamedKeys.end(),
                                          [KeyCode](const NamedKey& row) { return row.code == KeyCode; });

@@ -13,10 +13,7 @@ constexpr int kPatientProbe = 20;
 LinkWatch::LinkWatch(IpcClient& client, platform::EventLoop& loop) : client_(client), loop_(loop) {}
 
 bool LinkWatch::ready() {
-    if (!client_.is_open()) {
-        reset();
-    }
-    if (!lost_) {
+    if (!lost_ || !client_.is_open()) {
         return true;
     }
     if (loop_.now() < next_probe_) {
@@ -54,6 +51,7 @@ bool LinkWatch::process() {
 }
 
 void LinkWatch::reset() {
+    alive_ = false;
     lost_ = false;
     unanswered_probes_ = 0;
 }

@@ -164,6 +164,7 @@ void SimCom::CloseSimCom() {
     ProcessTimer.stop();
     CloseAllPorts();
     client_.IpcClose();
+    link_watch_.reset();
 }
 
 void SimCom::CmdClose_Click() {
