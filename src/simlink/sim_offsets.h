@@ -16,6 +16,9 @@ inline constexpr std::uint32_t kOffsetDayOfYear = 0x23E;
 inline constexpr std::uint32_t kOffsetYear = 0x240;
 inline constexpr std::uint32_t kOffsetOutsideTemperature = 0xE8C;
 
+// Two bytes: 1 pauses the simulation, 0 lets it go on.
+inline constexpr std::uint32_t kOffsetPauseControl = 0x262;
+
 // NAV frequencies: two bytes, BCD.
 inline constexpr std::uint32_t kOffsetNav1Frequency = 0x350;
 inline constexpr std::uint32_t kOffsetNav2Frequency = 0x352;

@@ -1,0 +1,82 @@
+#include "app/cockpit.h"
+
+namespace app {
+
+namespace {
+
+// Panels that commands open and that this program does not have yet.
+struct LaterPanel {
+    const char* name;
+    const char* title;
+};
+constexpr std::array<LaterPanel, 7> kLaterPanels = {{
+    {"FrmMainConfigure", "Configuration"},
+    {"SaveConfig", "Save configuration"},
+    {"frmTestFunction", "Test a function"},
+    {"frmStatusEC", "Engine cluster"},
+    {"frmStatusIOM", "IO module 1"},
+    {"frmstatusIOM2", "IO module 2"},
+    {"frmStatusFFB", "Force feedback yokes"},
+}};
+
+}  // namespace
+
+Cockpit::Cockpit(const platform::Platform& platform)
+    : platform_(platform),
+      configuration_(tables_, platform_.files, platform_.boxes, platform_.wall_clock),
+      client_(platform_.sim_transport),
+      sim_com_(tables_, client_, platform_, panels_),
+      ports_(platform_.boxes, tables_),
+      gauge_bus_(platform_, tables_),
+      run_panel_({platform_, tables_, sim_com_, gauge_bus_, ports_, panels_}),
+      start_panel_({platform_, tables_, configuration_, client_, *this, panels_}) {
+    panels_.add(start_panel_);
+    panels_.add(run_panel_);
+    panels_.add(sim_com_);
+    for (const LaterPanel& later : kLaterPanels) {
+        placeholders_.push_back(std::make_unique<panel::PlaceholderPanel>(panels_, later.name, later.title));
+        panels_.add(*placeholders_.back());
+    }
+}
+
+Cockpit::~Cockpit() = default;
+
+void Cockpit::start() {
+    platform_.loop.post([this] { start_panel_.start(); });
+}
+
+void Cockpit::exit() {
+    platform_.loop.post([this] { run_panel_.CmdExit_Click(); });
+}
+
+void Cockpit::show_run_panel() {
+    panels_.show(run_panel_);
+}
+
+void Cockpit::minimise_run_panel() {
+    panels_.minimise(run_panel_);
+}
+
+void Cockpit::set_run_panel_file(std::string_view file_name) {
+    // The run panel takes the name of its file when it loads, which must not undo this.
+    panels_.load(run_panel_);
+    run_panel_.Label37.text = file_name;
+}
+
+void Cockpit::RefreshConfig() {
+    run_panel_.RefreshConfig();
+}
+
+void Cockpit::OpenAllPorts() {
+    ports_.OpenAllPorts();
+}
+
+void Cockpit::CloseAllComPorts() {
+    ports_.CloseAllComPorts();
+}
+
+void Cockpit::cmdRun_Click() {
+    run_panel_.cmdRun_Click();
+}
+
+}  // namespace app
