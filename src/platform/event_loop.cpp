@@ -9,6 +9,13 @@
 
 namespace platform {
 
+namespace {
+
+// User commands beyond this many are lost: nobody clicks so often while a box is open.
+constexpr std::size_t kMostCommands = 256;
+
+}  // namespace
+
 Timer::Timer(EventLoop& loop, std::string name, Milliseconds interval, Task handler)
     : loop_(loop),
       name_(std::move(name)),
@@ -61,6 +68,9 @@ void EventLoop::post_after(Duration delay, Task task) {
 }
 
 void EventLoop::post_user_command(Task task) {
+    if (commands_.size() >= kMostCommands) {
+        return;
+    }
     commands_.push_back({now(), std::move(task)});
 }
 
