@@ -1,0 +1,157 @@
+#include "bench/device_set.h"
+
+#include <algorithm>
+#include <array>
+
+#include "bench/devices/device_families.h"
+
+namespace bench {
+
+namespace {
+
+using tables::CoreTables;
+
+struct PortRole {
+    std::int16_t CoreTables::*number;
+    const char* role;
+};
+
+// Lines whose devices are not simulated yet; they take everything and say nothing.
+constexpr std::array<PortRole, 8> kSilentPorts = {{
+    {&CoreTables::GaugeBusPort2, "Gauge bus 2"},
+    {&CoreTables::GaugeBusPort3, "Gauge bus 3"},
+    {&CoreTables::GaugeBusPort4, "Gauge bus 4"},
+    {&CoreTables::ClusterPort, "Engine cluster"},
+    {&CoreTables::IomPort1, "IO module 1"},
+    {&CoreTables::IomPort2, "IO module 2"},
+    {&CoreTables::YokePort1, "Yoke 1"},
+    {&CoreTables::YokePort2, "Yoke 2"},
+}};
+
+// The points of a plate in ascending order; minimum and maximum alone when it has no others.
+std::vector<ScalePoint> scale_of(const tables::Plate& plate) {
+    std::vector<ScalePoint> points;
+    const int last =
+        std::min(tables::kFirstPlatePoint + static_cast<int>(plate.PlateValue[1]), tables::kLastPlatePoint);
+    for (int item = tables::kFirstPlatePoint; item <= last; ++item) {
+        const auto index = static_cast<std::size_t>(item);
+        if (points.empty() || plate.PlateValue[index] > points.back().value) {
+            points.push_back({plate.PlateValue[index], plate.PlatePosition[index]});
+        }
+    }
+    if (points.size() < 2) {
+        points = {{plate.PlateValue[2], plate.PlatePosition[2]}, {plate.PlateValue[3], plate.PlatePosition[3]}};
+    }
+    return points;
+}
+
+NeedlePrint print_needle(const CoreTables& tables, int function, int sequence, int plate) {
+    NeedlePrint print;
+    if (function > 0 && function < tables::kFunctionRows) {
+        print.title = tables.functions[static_cast<std::size_t>(function)].FunctionShortName;
+    }
+    print.sequence = sequence;
+    if (plate >= 0 && plate < tables.PlateCount()) {
+        print.plate = tables.plates[static_cast<std::size_t>(plate)].PlateName;
+        print.points = scale_of(tables.plates[static_cast<std::size_t>(plate)]);
+    }
+    return print;
+}
+
+FacePrint print_face(const CoreTables& tables, const tables::GaugeRow& row) {
+    FacePrint print;
+    print.face = device_family(row.GaugeType).face;
+    print.type_name = tables::gauge_type_name(tables, row.GaugeType);
+    print.needles.push_back(print_needle(tables, row.GaugeFunction1, row.GaugeSeqNr1, row.GaugePlate1));
+    print.needles.push_back(print_needle(tables, row.GaugeFunction2, row.GaugeSeqNr2, row.GaugePlate2));
+    return print;
+}
+
+}  // namespace
+
+DeviceSet::DeviceSet(platform::EventLoop& loop, const CoreTables& tables, ReplyTiming timing) : loop_(loop) {
+    if (tables.GaugeBusPort1 > 0) {
+        auto controller = std::make_unique<BusController>(loop, timing);
+        BusController& bus = *controller;
+        add_gauges(tables, bus);
+        add_line(tables.GaugeBusPort1, "Gauge bus", std::move(controller), &bus);
+    }
+    for (const PortRole& place : kSilentPorts) {
+        const int port = tables.*place.number;
+        if (port > 0 && line(port) == nullptr) {
+            add_line(port, place.role, std::make_unique<SilentDevice>(loop), nullptr);
+        }
+    }
+}
+
+void DeviceSet::add_line(int port, const char* role, std::unique_ptr<LineDevice> device, BusController* bus) {
+    lines_.push_back({port, role, std::move(device), bus});
+}
+
+void DeviceSet::add_gauges(const CoreTables& tables, BusController& bus) {
+    for (int id = 1; id < tables::kGaugeRows; ++id) {
+        const tables::GaugeRow& row = tables.gauges[static_cast<std::size_t>(id)];
+        if (row.GaugeType != 0) {
+            const Device& device =
+                bus.add(id, {.type = row.GaugeType, .model = row.GaugeModel, .version = row.GaugeVersion});
+            prints_[&device] = print_face(tables, row);
+        }
+    }
+}
+
+const BenchLine* DeviceSet::line(int port) const {
+    const auto found =
+        std::find_if(lines_.begin(), lines_.end(), [port](const BenchLine& line) { return line.port == port; });
+    return found == lines_.end() ? nullptr : &*found;
+}
+
+BusController* DeviceSet::bus_with(int id) const {
+    for (const BenchLine& line : lines_) {
+        if (line.bus != nullptr && line.bus->device(id) != nullptr) {
+            return line.bus;
+        }
+    }
+    return nullptr;
+}
+
+const FacePrint& DeviceSet::print_of(const Device& device) const {
+    static const FacePrint kBlank;
+    const auto found = prints_.find(&device);
+    return found == prints_.end() ? kBlank : found->second;
+}
+
+std::uint64_t DeviceSet::layout_version() const {
+    std::uint64_t version = 0;
+    for (const BenchLine& line : lines_) {
+        version += line.bus == nullptr ? 0 : line.bus->layout_version();
+    }
+    return version;
+}
+
+void fill_standard_tables(CoreTables& tables) {
+    constexpr int kStandardFunction = 51;
+    constexpr std::int16_t kScaleEnd = 945;  // 315 degrees
+    tables::SetConstants(tables);
+    tables.GaugeBusPort1 = 1;
+    tables.functions[kStandardFunction].FunctionShortName = "Percent";
+    tables::Plate plate;
+    plate.PlateName = "0-100 %";
+    plate.PlateValue[1] = 1;
+    for (const std::size_t item : {3U, 5U}) {
+        plate.PlateValue[item] = 100;
+        plate.PlatePosition[item] = kScaleEnd;
+    }
+    tables.plates = {plate};
+    for (std::uint8_t type = 1; type <= 6; ++type) {
+        tables::GaugeRow& row = tables.gauges[type];
+        row.GaugeType = type;
+        row.GaugeModel = 1;
+        row.GaugeVersion = 1;
+        row.GaugeFunction1 = kStandardFunction;
+        row.GaugeSeqNr1 = 1;
+        row.GaugeFunction2 = kStandardFunction;
+        row.GaugeSeqNr2 = 2;
+    }
+}
+
+}  // namespace bench

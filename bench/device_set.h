@@ -1,0 +1,71 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bench/devices/bus_controller.h"
+#include "bench/devices/line_device.h"
+#include "tables/core_tables.h"
+
+namespace bench {
+
+// One point of a printed scale: at this value the needle stands at this position (0..1079).
+struct ScalePoint {
+    double value = 0;
+    int position = 0;
+};
+
+// What is printed for one needle of an instrument: its function's name and its plate.
+struct NeedlePrint {
+    std::string title;  // empty = the needle has no function
+    int sequence = 1;   // engine or side
+    std::string plate;
+    std::vector<ScalePoint> points;
+};
+
+// What is printed on the face of an instrument.
+struct FacePrint {
+    const char* face = "";  // name of a face of the page
+    std::string type_name;
+    std::vector<NeedlePrint> needles;
+};
+
+// One serial line with what hangs on it.
+struct BenchLine {
+    int port = 0;
+    std::string role;  // "Gauge bus", "Engine cluster", ...
+    std::unique_ptr<LineDevice> device;
+    BusController* bus = nullptr;  // the device, when it is a controller with gauges
+};
+
+// All simulated hardware of one cockpit: a line for every port number of its configuration, and on the gauge bus a
+// device for every gauge row, so that the bench is always what the configuration expects.
+class DeviceSet {
+  public:
+    DeviceSet(platform::EventLoop& loop, const tables::CoreTables& tables, ReplyTiming timing = {});
+
+    const std::vector<BenchLine>& lines() const { return lines_; }
+    // Null when no line has the number.
+    const BenchLine* line(int port) const;
+    // The controller that has a device under this id, or null.
+    BusController* bus_with(int id) const;
+    // What is printed on a device's face; it stays with the device when its id changes.
+    const FacePrint& print_of(const Device& device) const;
+    // Changes whenever devices come, go or change their id.
+    std::uint64_t layout_version() const;
+
+  private:
+    void add_line(int port, const char* role, std::unique_ptr<LineDevice> device, BusController* bus);
+    void add_gauges(const tables::CoreTables& tables, BusController& bus);
+
+    platform::EventLoop& loop_;
+    std::vector<BenchLine> lines_;
+    std::map<const Device*, FacePrint> prints_;
+};
+
+// A small cockpit for a folder without a configuration: port 1 with one gauge of each type 1 to 6, ids 1 to 6.
+void fill_standard_tables(tables::CoreTables& tables);
+
+}  // namespace bench
