@@ -230,7 +230,7 @@ void frmStatus::cmdRun_Click() {
 }
 
 void frmStatus::start_gauges() {
-    for (int index = 0; index <= context_.ActiveCount && !context_.active.empty(); ++index) {
+    for (int index = 0; index < static_cast<int>(context_.active.size()); ++index) {
         const InstrumentRow* const row = find_instrument(context_.gauge(index).GaugeType);
         if (row != nullptr && row->start != nullptr) {
             row->start(context_, index);

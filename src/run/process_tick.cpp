@@ -5,6 +5,7 @@
 #include "run/instrument_table.h"
 #include "run/light_logic.h"
 #include "run/system_ports.h"
+#include "support/failure.h"
 #include "support/number_format.h"
 #include "support/steps.h"
 
@@ -108,6 +109,14 @@ void frmStatus::show_number(panel::TextBox& box, double value, std::string_view 
 }
 
 void frmStatus::serve_gauges() {
+    context_.steps.attempt([this] {
+        if (context_.active.empty()) {
+            throw support::Failure("The list of gauges could not be built");
+        }
+    });
+    if (context_.active.empty()) {
+        return;
+    }
     // A failure question answered by the end of the run or of the program ends the walk too.
     for (int index = 0; index <= context_.ActiveCount && Running_ == 1; ++index) {
         entry_in_hand_ = index;
@@ -217,10 +226,7 @@ void frmStatus::take_report(const bus::GaugeReport& report) {
 // The devices behind a port that was opened anew may have been without power meanwhile: everything goes out again.
 void frmStatus::link_is_fresh() {
     write_failure_told_ = false;
-    if (context_.ActiveCount < 1) {
-        return;
-    }
-    for (int index = 0; index <= context_.ActiveCount; ++index) {
+    for (int index = 0; index < static_cast<int>(context_.active.size()); ++index) {
         const InstrumentRow* const row = find_instrument(context_.gauge(index).GaugeType);
         if (row != nullptr && row->forget != nullptr) {
             row->forget(context_, index);
