@@ -1,0 +1,3 @@
+import { render } from "preact";
+
+render(<p>Virtual cockpit</p>, document.getElementById("root")!);
