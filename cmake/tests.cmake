@@ -4,6 +4,7 @@ file(GLOB_RECURSE support_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/su
 if(support_sources)
   add_library(tests_support STATIC ${support_sources})
   target_link_libraries(tests_support PUBLIC cockpit_app cockpit_manual bench_devices simhost_core project_options GTest::gtest)
+  target_compile_definitions(tests_support PRIVATE PROJECT_ROOT="${CMAKE_SOURCE_DIR}")
 else()
   add_library(tests_support INTERFACE)
   target_link_libraries(tests_support INTERFACE cockpit_app cockpit_manual bench_devices simhost_core project_options GTest::gtest)

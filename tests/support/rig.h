@@ -1,0 +1,97 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/cockpit.h"
+#include "bench/devices/bus_controller.h"
+#include "bench/devices/needle_gauges.h"
+#include "platform/manual/manual_platform.h"
+#include "simhost/block_server.h"
+#include "simhost/offset_space.h"
+
+namespace rig {
+
+using namespace std::chrono_literals;
+
+enum class SimulatorAtStart { up, absent };
+
+// The real program on virtual time, with simulated devices on its serial lines and a simulator that answers its
+// request blocks, all in one process. It starts with the files of the demo folder; a test changes `machine` (files,
+// boxes, wires) before it calls start_program().
+class Rig {
+  public:
+    explicit Rig(SimulatorAtStart simulator = SimulatorAtStart::up);
+    ~Rig();
+    Rig(const Rig&) = delete;
+    Rig& operator=(const Rig&) = delete;
+
+    platform::manual::ManualPlatform machine;
+    simhost::OffsetSpace space;
+    simhost::BlockServer server{space};
+    // The gauge bus of the configuration: its devices hang on the wire of GaugeBusPort1.
+    bench::BusController controller{machine.loop};
+    app::Cockpit cockpit{machine.platform()};
+
+    // --- Going on ---------------------------------------------------------------------------------------------------
+
+    void advance(platform::Duration duration) { machine.loop.advance(duration); }
+    // Starts the program and lets it show its start panel.
+    void start_program();
+    // Starts the program and waits until a run is on, a minute at most. Fails the test when none starts.
+    void start_run();
+    bool running() { return cockpit.run_panel().running(); }
+
+    // --- The simulator ----------------------------------------------------------------------------------------------
+
+    simhost::OffsetSpace& sim() { return space; }
+    // Its window goes, and with it every value that it knew.
+    void stop_simulator();
+    void start_simulator();
+    // It is there and takes no message; each send runs into its time-out.
+    void hang_simulator() { machine.sim_transport.faults.failing_sends = -1; }
+    void wake_simulator() { machine.sim_transport.faults.failing_sends = 0; }
+    // Called when a simulator starts, to set its values.
+    std::function<void(simhost::OffsetSpace&)> on_simulator_start;
+
+    // --- The cockpit's devices --------------------------------------------------------------------------------------
+
+    platform::manual::Wire& gauge_wire();
+    bench::NeedleGauge& gauge(int id);
+
+    // Whether every needle of the cockpit stands within `tolerance_steps` of where its plate puts the simulator's value
+    // of now, worked out here from the file and the offsets alone. The message tells what each wrong device has seen.
+    testing::AssertionResult needles_are_right(double tolerance_steps = 1.0);
+
+    // --- The panels -------------------------------------------------------------------------------------------------
+
+    // Does what a user does on the page, as a user command. Fails the test when there is no such control. The command
+    // is carried out within advance().
+    void click(const std::string& panel, const std::string& control, int value = 0);
+    std::string text(const std::string& panel, const std::string& control);
+    bool is_visible(const std::string& panel, const std::string& control);
+    bool is_enabled(const std::string& panel, const std::string& control);
+    panel::WindowState window(const std::string& panel);
+    // All boxes that have come up, one a line.
+    std::string boxes_shown() const;
+    // What a test that fails shows: panels, boxes, link, line, devices.
+    std::string story();
+
+  private:
+    panel::Control& control(const std::string& panel, const std::string& name);
+    void build_bench();
+    std::string device_story(int id);
+
+    tables::CoreTables file_tables_;  // what the file says, read apart from the program
+};
+
+// The engineering value of a function's offset as the simulator has it, by the tables alone.
+double simulator_value(const tables::FunctionRow& function, int sequence_number, const simhost::OffsetSpace& space);
+// Where a plate puts a value, 0..1079, not rounded.
+double plate_position(const tables::Plate& plate, double value);
+
+}  // namespace rig
