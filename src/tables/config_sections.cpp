@@ -207,8 +207,8 @@ auto writing_lines(ItemWriter& writer) {
 }
 
 // Every item of a row takes a character and a separator at least; a text may be empty.
-constexpr std::size_t kLeastIomBytes = 2 * kIomItems;
-constexpr std::size_t kLeastPlateBytes = 2 * 2 * kStoredPlateItems;
+constexpr std::size_t kLeastIomBytes = 2 * std::size_t{kIomItems};
+constexpr std::size_t kLeastPlateBytes = 2 * (2 * std::size_t{kStoredPlateItems});
 
 void read_yoke(ItemReader& reader, CoreTables& tables, std::string_view name, std::int16_t& port, YokeSettings& yoke) {
     if (reader.text() != name) {

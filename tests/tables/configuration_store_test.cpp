@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <random>
 
 #include "platform/manual/manual_platform.h"
@@ -14,7 +12,6 @@ namespace {
 
 using tables::ConfigurationStore;
 using tables::CoreTables;
-using test_support::ConfigurationSize;
 using test_support::ConfigurationText;
 using test_support::with_replaced;
 
@@ -71,11 +68,6 @@ TEST_F(ConfigurationStoreTest, a_file_of_any_content_is_written_back_byte_for_by
         store_.SaveConfiguration();
         ASSERT_EQ(machine_.files.contents[kFile], bytes) << "seed " << seed;
     }
-}
-
-std::string bytes_of(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 // Line `line` of section `section` (0 = the line behind its name) of a file, replaced.
@@ -431,22 +423,6 @@ TEST_F(ConfigurationStoreTest, a_refused_save_leaves_the_old_file) {
     machine_.files.write_protected.insert(kFile);
     EXPECT_THROW(store_.SaveConfiguration(), support::Failure);
     EXPECT_EQ(machine_.files.contents[kFile], "old");
-}
-
-TEST_F(ConfigurationStoreTest, the_demo_configuration_loads_without_a_word) {
-    load(bytes_of(PROJECT_ROOT "/demo/Default MS-FS.cfg"));
-    EXPECT_EQ(shown(), "");
-    EXPECT_EQ(tables_.ConfigError, 0);
-    for (const int row : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 13, 14, 16}) {
-        EXPECT_NE(tables_.functions[static_cast<std::size_t>(row)].FunctionShortName, "") << row;
-        EXPECT_NE(tables_.functions[static_cast<std::size_t>(row)].FunctionDivider, 0.0F) << row;
-    }
-    for (const tables::GaugeRow& gauge : tables_.gauges) {
-        if (gauge.GaugeType != 0) {
-            ASSERT_LT(gauge.GaugePlate1, tables_.PlateCount());
-            ASSERT_NE(tables_.functions.at(static_cast<std::size_t>(gauge.GaugeFunction1)).FunctionShortName, "");
-        }
-    }
 }
 
 TEST_F(ConfigurationStoreTest, the_start_file_names_configuration_and_delay) {
