@@ -131,6 +131,9 @@ bool IpcClient::read_versions(std::int32_t& result) {
 
 // Writes the head of a record at LinkNext, moves LinkNext behind its data and returns where the data goes.
 std::uint8_t* IpcClient::append(std::uint16_t id, std::uint32_t offset, std::uint32_t size, void* destination) {
+    if (!has_pending_requests()) {
+        requests_.clear();  // also after a wait for an answer was unwound
+    }
     requests_.push_back({id, used_bytes(), size, destination});
     support::put_u32le(LinkNext + kIdAt, id);
     support::put_u32le(LinkNext + kOffsetAt, offset);

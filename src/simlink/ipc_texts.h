@@ -27,7 +27,7 @@ enum IpcResultCode : std::int32_t {
     kIpcBlockFull = 15,
 };
 
-inline constexpr std::array<std::string_view, 16> IpcResultTexts = {
+inline const std::array<std::string_view, 16> IpcResultTexts = {
     "Okay",
     "Attempt to Open when already Open",
     "Cannot link to FSUIPC or WideClient",
@@ -49,12 +49,13 @@ inline constexpr std::array<std::string_view, 16> IpcResultTexts = {
 using SimNameTable = std::array<std::string_view, 14>;
 
 // Names of simulators, indexed by `SimVersionWord`.
-inline constexpr SimNameTable SimNames = {"Any",    "FS98", "FS2K", "CFS2",     "CFS1",    "FLY",       "FS2002",
-                                          "FS2004", "FSX",  "ESP",  "Prepar3D", "Unknown", "PREP3D-V4", "PREP3D-V4+"};
+inline const SimNameTable SimNames = {"Any",    "FS98", "FS2K", "CFS2",     "CFS1",    "FLY",       "FS2002",
+                                      "FS2004", "FSX",  "ESP",  "Prepar3D", "Unknown", "PREP3D-V4", "PREP3D-V4+"};
 
 // The names that stand after a connection has been tried again.
-inline constexpr SimNameTable SimNamesAtRetry = {"Any",    "FS98", "FS2K", "CFS2",     "CFS1",    "FLY",     "FS2002",
-                                                 "FS2004", "FSX",  "ESP",  "Prepar3D", "Unknown", "Unknown", "Unknown"};
+inline constexpr SimNameTable kSimNamesAtRetry = {"Any",      "FS98",    "FS2K",    "CFS2",   "CFS1",
+                                                  "FLY",      "FS2002",  "FS2004",  "FSX",    "ESP",
+                                                  "Prepar3D", "Unknown", "Unknown", "Unknown"};
 
 // The text of a result; empty for a number that is none.
 std::string_view result_text(std::int32_t result);

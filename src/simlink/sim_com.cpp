@@ -68,11 +68,11 @@ std::int16_t SimCom::OpenSimPort(std::int16_t FxNumber, std::uint8_t& FxSeqnr) {
     if (function.FunctionMultiplier == 0.0F) {
         warn_of_zero(FxNumber, "Function contains multiply by zero.");
     }
-    const std::int16_t PortNr = PortCount();
+    const std::int16_t number = PortCount();
     ports_.push_back({.FxNumber = FxNumber, .FxSeqnr = FxSeqnr});
     ++OpenPortCount;
-    OffsetsList.items.add(list_line(PortNr));
-    return PortNr;
+    OffsetsList.items.add(list_line(number));
+    return number;
 }
 
 void SimCom::warn_of_zero(std::int16_t FxNumber, std::string_view what) {

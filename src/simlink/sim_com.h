@@ -66,7 +66,8 @@ class SimCom : public panel::Panel {
     void StopSimcom();
     void CloseSimCom();
 
-    // Time and date. The only access that waits for the simulator.
+    // Time and date, fresh when the call returns. The only access that waits for the simulator; while the link is lost
+    // it leaves all values as they are.
     void GetTimeAndDate();
     void PutTimeAndDate();
 
@@ -83,10 +84,11 @@ class SimCom : public panel::Panel {
     void PutADF(std::string_view Convertstring, int ReceivedID);
     void GetNAVRadiosStatus();
     void SetSoundSelector();
+    // Fills RmiNeedle1..4. Throws a Failure when what the simulator gives is no bearing.
     void GetRMIdata();
     // Takes the flags for GetRMIdata: bit 3 (a second VOR) of the first indicator's GaugePlate1, bit 4 (a second ADF)
     // of the second one's. With one indicator both are the same.
-    void take_rmi_flags(std::int16_t first_GaugePlate1, std::int16_t second_GaugePlate1);
+    void take_rmi_flags(std::int16_t first_plate_flags, std::int16_t second_plate_flags);
 
     // Keystrokes. A key code whose low byte is 0 does nothing.
     void SendKeystroke(std::int16_t KeyCode);

@@ -88,9 +88,9 @@ void SimCom::SetSoundSelector() {
     append_write(kOffsetSoundSelector, sizeof SoundSelector, &SoundSelector);
 }
 
-void SimCom::take_rmi_flags(std::int16_t first_GaugePlate1, std::int16_t second_GaugePlate1) {
-    rmi_second_vor_ = (first_GaugePlate1 & kFlagSecondVor) != 0;
-    rmi_second_adf_ = (second_GaugePlate1 & kFlagSecondAdf) != 0;
+void SimCom::take_rmi_flags(std::int16_t first_plate_flags, std::int16_t second_plate_flags) {
+    rmi_second_vor_ = (first_plate_flags & kFlagSecondVor) != 0;
+    rmi_second_adf_ = (second_plate_flags & kFlagSecondAdf) != 0;
 }
 
 void SimCom::GetRMIdata() {
