@@ -1,52 +1,60 @@
-// The control program: the cockpit on this machine, with its page. It runs in its working folder and takes no options.
+// The control program. It takes no options and reads no environment: it runs in its working folder.
+#include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <string>
 
-#include "app/cockpit.h"
+#include "app/program.h"
 #include "platform/posix/posix_instance_lock.h"
-#include "platform/posix/posix_platform.h"
-#include "web/http_server.h"
-#include "web/presenter.h"
+#include "support/failure.h"
 
 namespace {
 
-constexpr const char* kFolder = ".";
+constexpr const char* kWorkingFolder = ".";
 
-// Tells a user who starts the program twice where the first one is.
-int leave_to_the_other(const platform::InstanceLock& lock) {
+int tell_of_other(const platform::InstanceLock& lock) {
     const std::string address = lock.other_address();
     std::printf("The control program is running already in this folder%s%s\n", address.empty() ? "." : ": ",
                 address.c_str());
-    return 1;
+    return EXIT_FAILURE;
 }
 
 int run_program() {
-    platform::posix::PosixInstanceLock lock(kFolder);
-    if (!lock.acquire()) {
-        return leave_to_the_other(lock);
+    platform::posix::PosixInstanceLock lock(kWorkingFolder);
+    bool locked = false;
+    try {
+        locked = lock.acquire();
+        if (!locked) {
+            return tell_of_other(lock);
+        }
+    } catch (const support::Failure& failure) {
+        // A folder that cannot be written still flies; only a second program would not notice this one.
+        std::fprintf(stderr, "cockpit: %s\n", failure.what());
     }
-    platform::posix::PosixPlatform machine(kFolder);
-    app::Cockpit cockpit(machine.platform());
-    web::HttpServer server(machine.loop.io_context(), web::ServerPorts{}, web::page_assets());
-    const web::Presenter presenter(machine.loop.io_context(), machine.loop, cockpit.panels(), machine.boxes, server,
-                                   std::string(tables::kProgramName));
-    lock.publish(server.address());
-    std::printf("%s\n", server.address().c_str());
+    app::Program program(kWorkingFolder, web::page_assets());
+    if (locked) {
+        lock.publish(program.address());
+    }
+    std::printf("%s\n", program.address().c_str());
     std::fflush(stdout);
-    machine.loop.on_terminate = [&cockpit] { cockpit.exit(); };
-    cockpit.start();
-    machine.loop.run();
-    return 0;
+    program.run();
+    return EXIT_SUCCESS;
 }
 
 }  // namespace
 
-int main() {
+int main(int argument_count, char**) {
+    if (argument_count > 1) {
+        std::fprintf(stderr, "cockpit takes no options; it runs in its working folder.\n");
+        return EXIT_FAILURE;
+    }
+    // A closed output is no reason to end.
+    std::signal(SIGPIPE, SIG_IGN);
     try {
         return run_program();
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "cockpit: %s\n", failure.what());
-        return 1;
+        return EXIT_FAILURE;
     }
 }
