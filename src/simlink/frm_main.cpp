@@ -210,7 +210,7 @@ void frmMain::TimerWaitForFS_Timer() {
         show_countdown_line();
         return;
     }
-    connect(SimNamesAtRetry);
+    connect(kSimNamesAtRetry);
     if (shows_connected()) {
         TimerWaitForFS.stop();
         Timer2.start();
@@ -320,7 +320,7 @@ void frmMain::close() {
 
 void frmMain::late_link_tick() {
     if (!client_.is_open()) {
-        connect(SimNamesAtRetry);
+        connect(kSimNamesAtRetry);
     }
     if (client_.is_open()) {
         late_link_timer_.stop();
