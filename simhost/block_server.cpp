@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "support/bytes.h"
 
@@ -19,28 +20,29 @@ std::size_t head_bytes(std::uint32_t id) {
     return id == kReadRecordId ? kReadHeadBytes : kWriteHeadBytes;
 }
 
-bool well_formed(const std::uint8_t* block, std::size_t size) {
+// The length of the records of a block, without the stop; nothing when the block is not well formed.
+std::optional<std::size_t> length_of_records(const std::uint8_t* block, std::size_t size) {
     std::size_t at = 0;
     while (size - at >= kStopBytes) {
         const std::uint32_t id = support::read_u32le(block + at);
         if (id == 0) {
-            return true;
+            return at;
         }
         if ((id != kReadRecordId && id != kWriteRecordId) || size - at < head_bytes(id)) {
-            return false;
+            return std::nullopt;
         }
         const std::uint32_t offset = support::read_u32le(block + at + kRecordOffsetAt);
         const std::uint32_t data_bytes = support::read_u32le(block + at + kRecordSizeAt);
         if (offset > kOffsetSpaceBytes || data_bytes > kOffsetSpaceBytes - offset) {
-            return false;
+            return std::nullopt;
         }
         at += head_bytes(id);
         if (data_bytes > size - at) {
-            return false;
+            return std::nullopt;
         }
         at += data_bytes;
     }
-    return false;
+    return std::nullopt;
 }
 
 // Copies what of `word`, standing at `word_offset`, lies in the range that is being read.
@@ -57,26 +59,21 @@ void overlay_word(std::uint32_t word, std::uint32_t word_offset, std::uint32_t o
 
 }  // namespace
 
-BlockAnswer BlockServer::answer(std::uint8_t* block, std::size_t size) {
-    BlockAnswer result;
-    if (fault(ServerFault::silence)) {
-        result.kind = BlockAnswer::Kind::silence;
-        return result;
+std::uint32_t BlockServer::answer(std::uint8_t* block, std::size_t size) {
+    if (silent()) {
+        return kReplyBadData;
     }
-    if (fault(ServerFault::slow_answers)) {
-        result.delay = slow_answer_delay;
-    }
-    if (block == nullptr || !well_formed(block, size)) {
+    // The block may lie in memory that the client shares, so what is checked and what is used is a copy of it.
+    block_.assign(block, block + (block == nullptr ? 0 : size));
+    const std::optional<std::size_t> length = length_of_records(block_.data(), block_.size());
+    if (!length) {
         ++bad_blocks_;
-        result.value = kReplyBadData;
-        return result;
+        return kReplyBadData;
     }
-    apply(block);
+    apply();
+    std::copy_n(block_.begin(), *length, block);
     ++answered_blocks_;
-    if (fault(ServerFault::bad_reply)) {
-        result.value = kBadReplyValue;
-    }
-    return result;
+    return fault(ServerFault::bad_reply) ? kBadReplyValue : kReplyGood;
 }
 
 std::uint32_t BlockServer::sim_word() const {
@@ -95,10 +92,10 @@ void BlockServer::read_into(std::uint32_t offset, std::uint8_t* data, std::uint3
     overlay_word(sim_word(), kSimVersionOffset, offset, data, size);
 }
 
-void BlockServer::apply(std::uint8_t* block) {
+void BlockServer::apply() {
     std::size_t at = 0;
-    for (std::uint32_t id = support::read_u32le(block); id != 0; id = support::read_u32le(block + at)) {
-        std::uint8_t* const record = block + at;
+    for (std::uint32_t id = support::read_u32le(block_.data()); id != 0; id = support::read_u32le(&block_[at])) {
+        std::uint8_t* const record = &block_[at];
         const std::uint32_t offset = support::read_u32le(record + kRecordOffsetAt);
         const std::uint32_t data_bytes = support::read_u32le(record + kRecordSizeAt);
         std::uint8_t* const data = record + head_bytes(id);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 #include "simhost/offset_space.h"
 
@@ -40,14 +41,8 @@ enum class ServerFault : std::uint8_t {
 };
 inline constexpr int kServerFaults = 7;
 
-struct BlockAnswer {
-    enum class Kind : std::uint8_t { reply, silence };
-    Kind kind = Kind::reply;
-    std::uint32_t value = kReplyGood;
-    std::chrono::milliseconds delay{0};  // wait this long before the reply is sent
-};
-
-// Answers request blocks out of an offset space, in place. It knows nothing of the way the block came.
+// Answers request blocks out of an offset space, in place. It knows nothing of the way a block comes; the transport
+// asks it whether to answer at all and how late.
 class BlockServer {
   public:
     explicit BlockServer(OffsetSpace& space) : space_(space) {}
@@ -55,9 +50,16 @@ class BlockServer {
     // Called after a client's write record has been applied: first offset and number of bytes, at least 1.
     std::function<void(std::uint32_t offset, std::uint32_t size)> on_write;
 
-    // Answers a block in place, faults included. Safe on any bytes: a block that is not well formed (unknown id, data
-    // beyond its end or beyond the offset space, no stop) changes nothing and gets kReplyBadData.
-    BlockAnswer answer(std::uint8_t* block, std::size_t size);
+    // Answers a block in place, faults included, and gives the reply value. Safe on any bytes, and on bytes that
+    // another process changes meanwhile: a block that is not well formed (unknown id, data beyond its end or beyond the
+    // offset space, no stop) changes nothing and gets kReplyBadData.
+    std::uint32_t answer(std::uint8_t* block, std::size_t size);
+
+    // What the transport is to do with the sends that come in: nothing at all, or answer after this time.
+    bool silent() const { return fault(ServerFault::silence); }
+    std::chrono::milliseconds answer_delay() const {
+        return fault(ServerFault::slow_answers) ? slow_answer_delay : std::chrono::milliseconds(0);
+    }
 
     void set_fault(ServerFault fault, bool on) { faults_[static_cast<std::size_t>(fault)] = on; }
     bool fault(ServerFault fault) const { return faults_[static_cast<std::size_t>(fault)]; }
@@ -71,10 +73,11 @@ class BlockServer {
 
   private:
     void read_into(std::uint32_t offset, std::uint8_t* data, std::uint32_t size) const;
-    void apply(std::uint8_t* block);
+    void apply();
     std::uint32_t sim_word() const;
 
     OffsetSpace& space_;
+    std::vector<std::uint8_t> block_;  // the block that is being answered
     std::array<bool, kServerFaults> faults_{};
     std::uint64_t answered_blocks_ = 0;
     std::uint64_t bad_blocks_ = 0;

@@ -1,0 +1,75 @@
+#include "simhost/controls.h"
+
+#include <cmath>
+
+#include "simhost/units.h"
+
+namespace simhost {
+
+namespace {
+
+constexpr double kCentreBand = 0.04;
+constexpr double kClientSilentS = 1.5;
+constexpr double kTakeOverS = 0.15;
+constexpr double kGiveBackS = 2.0;
+
+constexpr double kFlapsTravelS = 8.0;
+constexpr double kGearTravelS = 6.0;
+constexpr double kMotorVolts = 16.0;  // below, flaps and gear stand still
+
+}  // namespace
+
+void ClientHands::step(double dt_s) {
+    for (double& age : age_s_) {
+        age += dt_s;
+    }
+}
+
+void HandAxis::client_writes(double position) {
+    if (std::abs(position) > kCentreBand || (client_share_ > 0.5 && client_age_s_ < kClientSilentS)) {
+        client_position_ = position;
+    }
+    if (std::abs(position) > kCentreBand) {
+        client_age_s_ = 0;
+    }
+}
+
+void HandAxis::step(double dt_s) {
+    client_age_s_ += dt_s;
+    const bool held = client_age_s_ < kClientSilentS;
+    client_share_ = approach(client_share_, held ? 1.0 : 0.0, dt_s / (held ? kTakeOverS : kGiveBackS));
+}
+
+double Controls::brakes() const {
+    return std::clamp(std::max(parking_brake ? 1.0 : 0.0, 0.5 * (left_brake + right_brake)), 0.0, 1.0);
+}
+
+void Controls::step(double bus_volts, double dt_s) {
+    elevator_hand.step(dt_s);
+    aileron_hand.step(dt_s);
+    rudder_hand.step(dt_s);
+    elevator_surface = approach(elevator_surface, elevator, 6.0 * dt_s);
+    aileron_surface = approach(aileron_surface, aileron, 6.0 * dt_s);
+    rudder_surface = approach(rudder_surface, rudder, 6.0 * dt_s);
+    if (bus_volts > kMotorVolts) {
+        flaps = approach(flaps, flaps_lever, dt_s / kFlapsTravelS);
+        gear = approach(gear, gear_lever > 0.5 ? 1.0 : 0.0, dt_s / kGearTravelS);
+    }
+}
+
+AirframeInputs Controls::airframe_inputs(double thrust_n) const {
+    AirframeInputs inputs;
+    inputs.elevator = elevator_surface;
+    inputs.aileron = aileron_surface;
+    inputs.rudder = rudder_surface;
+    inputs.elevator_trim = elevator_trim;
+    inputs.aileron_trim = aileron_trim;
+    inputs.rudder_trim = rudder_trim;
+    inputs.flaps = flaps;
+    inputs.gear = gear;
+    inputs.brakes = brakes();
+    inputs.thrust_n = thrust_n;
+    return inputs;
+}
+
+}  // namespace simhost

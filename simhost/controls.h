@@ -1,0 +1,122 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "simhost/airframe.h"
+
+namespace simhost {
+
+// Bits of the lights word.
+enum LightBit : std::uint16_t {
+    kNavigationLights = 1,
+    kBeacon = 2,
+    kLandingLights = 4,
+    kTaxiLights = 8,
+    kStrobes = 16,
+    kInstrumentLights = 32,
+    kRecognitionLights = 64,
+    kWingLights = 128,
+    kLogoLights = 256,
+    kCabinLights = 512,
+};
+
+// Positions of the magneto switch.
+enum class Magnetos : std::uint8_t { off = 0, right = 1, left = 2, both = 3, start = 4 };
+
+// What a client has in its hands. The scripted pilot keeps off a group for a while after a client has written to it.
+enum class ClientGroup : std::uint8_t {
+    stick,
+    pedals,
+    throttle,
+    propeller,
+    mixture,
+    trims,
+    flaps,
+    gear,
+    brakes,
+    lights,
+    switches,
+    altimeter,
+    gyro,
+    radios,
+    autopilot,
+};
+inline constexpr int kClientGroups = 15;
+
+class ClientHands {
+  public:
+    ClientHands() { age_s_.fill(kNever); }
+    void touch(ClientGroup group) { age_s_[static_cast<std::size_t>(group)] = 0; }
+    void step(double dt_s);
+    double age_s(ClientGroup group) const { return age_s_[static_cast<std::size_t>(group)]; }
+    bool holds(ClientGroup group) const { return age_s(group) < kHoldS; }
+
+  private:
+    static constexpr double kNever = 1e9;
+    static constexpr double kHoldS = 45.0;
+    std::array<double, kClientGroups> age_s_{};
+};
+
+// One axis of the stick or the pedals, -1..1. A client that deflects it has it; when the client lets go (writes a value
+// near the centre, or nothing for a second and a half) the pilot or the autopilot gets it back over two seconds.
+class HandAxis {
+  public:
+    void client_writes(double position);
+    void step(double dt_s);
+    // What arrives at the control when the pilot or the autopilot wants `wanted`.
+    double blend(double wanted) const { return wanted + (client_position_ - wanted) * client_share_; }
+    double client_share() const { return client_share_; }
+
+  private:
+    double client_position_ = 0;
+    double client_age_s_ = 1e9;
+    double client_share_ = 0;
+};
+
+// Levers and switches as they are set, and the surfaces that follow them at their own speed.
+struct Controls {
+    // Where stick, pedals and levers stand: -1..1, levers 0..1.
+    double elevator = 0;
+    double aileron = 0;
+    double rudder = 0;
+    HandAxis elevator_hand;
+    HandAxis aileron_hand;
+    HandAxis rudder_hand;
+    double elevator_trim = 0;
+    double aileron_trim = 0;
+    double rudder_trim = 0;
+    double throttle = 0;
+    double propeller = 1;
+    double mixture = 0;
+    double flaps_lever = 0;
+    double gear_lever = 1;
+    double left_brake = 0;
+    double right_brake = 0;
+    bool parking_brake = true;
+
+    std::uint16_t lights = 0;
+    Magnetos magnetos = Magnetos::off;
+    bool battery = false;
+    bool alternator = false;
+    bool avionics = false;
+    bool fuel_pump = false;
+    bool pitot_heat = false;
+    bool carburettor_heat = false;
+    double dimmer = 0;  // 0..1
+
+    // Positions of the surfaces.
+    double elevator_surface = 0;
+    double aileron_surface = 0;
+    double rudder_surface = 0;
+    double flaps = 0;
+    double gear = 1;
+
+    void step(double bus_volts, double dt_s);
+    AirframeInputs airframe_inputs(double thrust_n) const;
+    double brakes() const;
+    bool flaps_moving() const { return flaps != flaps_lever; }
+    bool gear_moving() const { return gear != (gear_lever > 0.5 ? 1.0 : 0.0); }
+};
+
+}  // namespace simhost

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+#include "simhost/aircraft.h"
+
+namespace simhost {
+
+// The scripted pilot's hands and feet. Each call works for one step. What a client holds, the pilot leaves alone.
+class Pilot {
+  public:
+    // Hand flying: attitude, or a climb at the pilot's own pitch.
+    void fly_attitude(Aircraft& aircraft, double pitch_deg, double bank_deg, double dt_s);
+    void fly_climb(Aircraft& aircraft, double climb_mps, double bank_deg, double dt_s);
+    // Forgets what the hands had learned, before another way of flying begins.
+    void take_stick(const Aircraft& aircraft);
+    // The stick at rest in the middle.
+    void release_stick(Aircraft& aircraft);
+
+    void set_throttle(Aircraft& aircraft, double wanted, double dt_s) const;
+    void hold_speed(Aircraft& aircraft, double indicated_mps, double dt_s);
+    void set_flaps(Aircraft& aircraft, double flaps) const;
+    void set_gear(Aircraft& aircraft, double gear) const;
+    void set_brakes(Aircraft& aircraft, double brakes) const;
+    void set_lights(Aircraft& aircraft, std::uint16_t lights) const;
+    // Turns a trim wheel towards a position.
+    void set_trim(Aircraft& aircraft, double elevator_trim, double dt_s) const;
+    // Turns the autopilot's heading bug towards a magnetic heading by way of a turn to the left.
+    void turn_bug_left(Aircraft& aircraft, double to_deg, double rate_deg, double dt_s) const;
+
+    // Keeps the nose on the runway's centre line while rolling, with the wheels' steering.
+    void steer_on_runway(Aircraft& aircraft) const;
+    // Rolls along a path of places; true at its end. `start_path` begins it.
+    void start_path(std::span<const RunwayPlace> path);
+    bool taxi(Aircraft& aircraft, double speed_mps, double dt_s);
+
+  private:
+    static constexpr std::size_t kPathPlaces = 12;
+    AttitudeLoops loops_;
+    double throttle_held_ = 0.3;
+    std::array<RunwayPlace, kPathPlaces> path_{};
+    std::size_t path_length_ = 0;
+    std::size_t next_ = 0;
+};
+
+}  // namespace simhost
