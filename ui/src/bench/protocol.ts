@@ -1,0 +1,54 @@
+// What the bench tells its pages: one "layout" message first, then "values" messages that carry what has changed.
+
+export interface LineLayout {
+  port: number;
+  role: string;
+  simulated: boolean;
+}
+
+/** At this value the needle stands at this position, 0..1079 from the zero mark. */
+export type ScalePoint = [value: number, position: number];
+
+export interface NeedlePrint {
+  title: string;
+  sequence: number;
+  plate: string;
+  points: ScalePoint[];
+}
+
+export interface Instrument {
+  key: string;
+  port: number;
+  id: number;
+  type: number;
+  model: number;
+  version: number;
+  face: string;
+  typeName: string;
+  needles: NeedlePrint[];
+}
+
+export type Values = Record<string, number | string | boolean>;
+
+interface ValueSections {
+  lineValues?: Record<string, Values>;
+  deviceValues?: Record<string, Values>;
+}
+
+export interface LayoutMessage extends ValueSections {
+  kind: "layout";
+  lines: LineLayout[];
+  instruments: Instrument[];
+}
+
+export interface ValuesMessage extends ValueSections {
+  kind: "values";
+}
+
+/** What the bench says to a command of this page. */
+export interface AnswerMessage {
+  kind: "answer";
+  text: string;
+}
+
+export type Message = LayoutMessage | ValuesMessage | AnswerMessage;
