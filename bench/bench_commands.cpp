@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "bench/devices/needle_gauges.h"
+#include "support/failure.h"
 
 namespace bench {
 
@@ -78,10 +79,18 @@ std::string BenchCommands::carry_out(std::string_view line) {
     for (const Row& row : rows()) {
         if (row.name == words[0]) {
             const bool fits = words.size() >= row.least_words && words.size() <= row.most_words;
-            return fits ? (this->*row.handler)(words) : std::string(row.usage);
+            return fits ? attempt(row, words) : std::string(row.usage);
         }
     }
     return "no such command\n" + help();
+}
+
+std::string BenchCommands::attempt(const Row& row, const Words& words) {
+    try {
+        return (this->*row.handler)(words);
+    } catch (const support::Failure& failure) {
+        return failure.description();
+    }
 }
 
 std::string BenchCommands::help() {

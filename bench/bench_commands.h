@@ -11,7 +11,7 @@ namespace bench {
 
 inline constexpr std::size_t kLongestCommand = 200;
 
-// What commands do outside the devices.
+// What commands do outside the devices. A Failure becomes the answer to the command.
 struct BenchActions {
     std::function<void(int port)> unplug;
     std::function<void(int port)> plug;
@@ -38,6 +38,7 @@ class BenchCommands {
         std::string (BenchCommands::*handler)(const Words& words);
     };
     static const std::vector<Row>& rows();
+    std::string attempt(const Row& row, const Words& words);
 
     std::string unplug(const Words& words);
     std::string plug(const Words& words);

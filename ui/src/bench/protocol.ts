@@ -51,4 +51,9 @@ export interface AnswerMessage {
   text: string;
 }
 
-export type Message = LayoutMessage | ValuesMessage | AnswerMessage;
+/** Sent when nothing changes, so that a page knows the bench is there. */
+export interface BeatMessage {
+  kind: "beat";
+}
+
+export type Message = LayoutMessage | ValuesMessage | AnswerMessage | BeatMessage;

@@ -19,6 +19,7 @@ export class Store {
   private listeners = new Map<string, Set<Listener>>();
 
   take(message: Message): void {
+    if (message.kind === "beat") return;
     if (message.kind === "answer") {
       this.answer = message.text;
       this.tell("answer");
@@ -34,6 +35,7 @@ export class Store {
   }
 
   setConnected(connected: boolean): void {
+    if (connected === this.connected) return;
     this.connected = connected;
     this.tell("connected");
   }

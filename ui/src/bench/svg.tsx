@@ -39,12 +39,21 @@ interface ScaleMarksProps {
   scale: Scale;
   zero: number; // degrees of position 0
   radius: number; // outer end of the marks
-  labelRadius: number;
   labelSize: number;
   length?: number; // of a major mark
 }
 
-export function ScaleMarks({ scale, zero, radius, labelRadius, labelSize, length = 12 }: ScaleMarksProps): JSX.Element {
+const LABEL_GAP = 3;
+
+/** The radius at which a label just clears the marks, whatever its width. */
+function labelRadius(degrees: number, label: string, size: number, marksEnd: number): number {
+  const radians = (degrees * Math.PI) / 180;
+  const halfWidth = label.length * size * 0.3;
+  const halfHeight = size * 0.37;
+  return marksEnd - LABEL_GAP - Math.hypot(halfWidth * Math.sin(radians), halfHeight * Math.cos(radians));
+}
+
+export function ScaleMarks({ scale, zero, radius, labelSize, length = 12 }: ScaleMarksProps): JSX.Element {
   const degrees = (position: number) => zero + position / STEPS_PER_DEGREE;
   return (
     <g class="print">
@@ -56,7 +65,8 @@ export function ScaleMarks({ scale, zero, radius, labelRadius, labelSize, length
         <RadialMark degrees={degrees(mark.position)} from={radius - length} to={radius} width={2.2} />
       ))}
       {scale.majors.map((mark) => {
-        const [x, y] = polar(degrees(mark.position), labelRadius);
+        const angle = degrees(mark.position);
+        const [x, y] = polar(angle, labelRadius(angle, mark.label, labelSize, radius - length));
         return (
           <text class="scale-label" x={round(x)} y={round(y)} font-size={labelSize}>
             {mark.label}

@@ -4,6 +4,7 @@ export type SocketState = "connecting" | "open" | "lost";
 
 export interface LiveSocket {
   send(message: object): void;
+  sendText(text: string): void;
   close(): void;
 }
 
@@ -40,14 +41,19 @@ export function openSocket(handlers: {
     };
   }
 
+  function sendText(text: string) {
+    if (socket?.readyState === WebSocket.OPEN) {
+      socket.send(text);
+    }
+  }
+
   handlers.onState("connecting");
   connect();
   return {
     send(message) {
-      if (socket?.readyState === WebSocket.OPEN) {
-        socket.send(JSON.stringify(message));
-      }
+      sendText(JSON.stringify(message));
     },
+    sendText,
     close() {
       closed = true;
       window.clearTimeout(timer);

@@ -21,24 +21,46 @@ interface Print {
 
 function printOf(needle: NeedlePrint | undefined): Print {
   const scale = needle && needle.title !== "" ? scaleOf(needle.points) : undefined;
+  const title = needle ? printedTitle(needle.title) : "";
   const factor = scale && scale.factor > 1 ? `×${scale.factor}` : "";
-  const unit = needle ? unitOf(needle.plate) : "";
-  return {
-    scale,
-    title: needle ? printedTitle(needle.title) : "",
-    unit: [factor, unit.toUpperCase()].filter((text) => text !== "").join(" "),
-  };
+  const unit = needle ? unitOf(needle.plate).toUpperCase() : "";
+  // A unit that the title names already is not printed twice.
+  const shown = title.split(" ").includes(unit) ? "" : unit;
+  return { scale, title, unit: [factor, shown].filter((text) => text !== "").join(" ") };
 }
 
-function Caption({ x, y, print, title }: { x: number; y: number; print: Print; title: string }): JSX.Element {
-  const size = title.length > 12 ? 8.5 : 10.5;
+/** Words in as few lines as their length allows. */
+function broken(title: string, longest: number): string[] {
+  const lines: string[] = [];
+  for (const word of title.split(" ")) {
+    const last = lines[lines.length - 1];
+    if (last !== undefined && last.length + 1 + word.length <= longest) {
+      lines[lines.length - 1] = `${last} ${word}`;
+    } else {
+      lines.push(word);
+    }
+  }
+  return lines;
+}
+
+interface CaptionProps {
+  x: number;
+  y: number;
+  size: number;
+  lines: string[];
+  unit: string;
+}
+
+function Caption({ x, y, size, lines, unit }: CaptionProps): JSX.Element {
   return (
     <g class="print">
-      <text class="face-title" x={x} y={y} font-size={size}>
-        {title}
-      </text>
-      <text class="face-unit" x={x} y={y + 11} font-size={8}>
-        {print.unit}
+      {lines.map((line, index) => (
+        <text class="face-title" x={x} y={y + index * size * 1.12} font-size={size}>
+          {line}
+        </text>
+      ))}
+      <text class="face-unit" x={x} y={y + lines.length * size * 1.12} font-size={size * 0.82}>
+        {unit}
       </text>
     </g>
   );
@@ -47,8 +69,8 @@ function Caption({ x, y, print, title }: { x: number; y: number; print: Print; t
 /** Four places behind a window; the point stands between two of them. */
 function Display({ text, dark }: { text: string; dark: boolean }): JSX.Element {
   return (
-    <g class={dark ? "display display-dark" : "display"} transform="translate(0 38)">
-      <rect class="display-window" x={-30} y={-13} width={60} height={25} rx={3} />
+    <g class={dark ? "display display-dark" : "display"} transform="translate(0 31)">
+      <rect class="display-window" x={-29} y={-11.5} width={58} height={23} rx={3} />
       <text class="display-ghost" x={0} y={1}>
         888.8
       </text>
@@ -68,8 +90,14 @@ function SingleNeedle({ instrument, values }: FaceProps): JSX.Element {
   const fixed = useMemo(
     () => (
       <>
-        {print.scale && <ScaleMarks scale={print.scale} zero={zero} radius={82} labelRadius={59} labelSize={13} />}
-        <Caption x={0} y={-26} print={print} title={print.title + (sequence > 1 ? ` ${sequence}` : "")} />
+        {print.scale && <ScaleMarks scale={print.scale} zero={zero} radius={82} labelSize={13} />}
+        <Caption
+          x={0}
+          y={-30}
+          size={9.5}
+          lines={broken(print.title + (sequence > 1 ? ` ${sequence}` : ""), 13)}
+          unit={print.unit}
+        />
       </>
     ),
     [print, zero, sequence],
@@ -116,16 +144,15 @@ function Concentric({ instrument, values }: FaceProps): JSX.Element {
     const side1 = inner ? 0 : sideOf(first.scale, zero);
     return (
       <>
-        {first.scale && <ScaleMarks scale={first.scale} zero={zero} radius={82} labelRadius={inner ? 63 : 59} labelSize={12} />}
+        {first.scale && <ScaleMarks scale={first.scale} zero={zero} radius={82} labelSize={inner ? 13 : 11.5} />}
         <g class="second-print">
           {second.scale && (
             <ScaleMarks
               scale={second.scale}
               zero={zero}
               radius={inner ? 50 : 82}
-              labelRadius={inner ? 35 : 59}
-              labelSize={inner ? 9 : 12}
-              length={inner ? 8 : 12}
+              labelSize={inner ? 8 : 11.5}
+              length={inner ? 6 : 12}
             />
           )}
         </g>
@@ -155,40 +182,22 @@ function Concentric({ instrument, values }: FaceProps): JSX.Element {
 
 /** Titles of two scales: on their own sides, or one above the other when both go round. */
 function CaptionPair({ first, second, side }: { first: Print; second: Print; side: number }): JSX.Element {
-  const [x1, x2] = side === 0 ? [0, 0] : [side * 24, -side * 24];
-  const [y1, y2] = side === 0 ? [-18, 24] : [-30, 30];
-  const join = (print: Print) => print.title.split(" ");
+  if (side === 0) {
+    return (
+      <>
+        <Caption x={0} y={-19} size={6.5} lines={[first.title]} unit={first.unit} />
+        <g class="second-print">
+          <Caption x={0} y={15} size={6.5} lines={[second.title]} unit={second.unit} />
+        </g>
+      </>
+    );
+  }
   return (
     <>
-      <g class="print">
-        {side === 0 ? (
-          <Lines x={x1} y={y1} lines={[first.title]} unit={first.unit} />
-        ) : (
-          <Lines x={x1 * 0.75} y={y1} lines={join(first)} unit={first.unit} />
-        )}
+      <Caption x={side * 20} y={-25} size={6.5} lines={broken(first.title, 9)} unit={first.unit} />
+      <g class="second-print">
+        <Caption x={-side * 20} y={-25} size={6.5} lines={broken(second.title, 9)} unit={second.unit} />
       </g>
-      <g class="print second-print">
-        {side === 0 ? (
-          <Lines x={x2} y={y2} lines={[second.title]} unit={second.unit} />
-        ) : (
-          <Lines x={x2 * 0.75} y={y2} lines={join(second)} unit={second.unit} />
-        )}
-      </g>
-    </>
-  );
-}
-
-function Lines({ x, y, lines, unit }: { x: number; y: number; lines: string[]; unit: string }): JSX.Element {
-  return (
-    <>
-      {lines.map((line, index) => (
-        <text class="face-title" x={x} y={y + index * 9} font-size={8}>
-          {line}
-        </text>
-      ))}
-      <text class="face-unit" x={x} y={y + lines.length * 9} font-size={7}>
-        {unit}
-      </text>
     </>
   );
 }
@@ -207,23 +216,25 @@ function SideBySide({ instrument, values }: FaceProps): JSX.Element {
         {prints.map((print, index) => (
           <g transform={`translate(${index === 0 ? -pivot : pivot} 0)`}>
             {print.scale && (
-              <ScaleMarks scale={print.scale} zero={zero} radius={radius} labelRadius={radius - (wide ? 13 : 19)} labelSize={wide ? 7 : 11} length={wide ? 6 : 10} />
+              <ScaleMarks
+                scale={print.scale}
+                zero={zero}
+                radius={radius}
+                labelSize={wide ? 7 : 11}
+                length={wide ? 6 : 10}
+              />
             )}
           </g>
         ))}
-        <g class="print">
-          {sameTitle ? (
-            <Lines x={0} y={-62} lines={prints[0]!.title.split(" ")} unit={prints[0]!.unit} />
-          ) : (
-            prints.map((print, index) => <Lines x={index === 0 ? -24 : 24} y={-66} lines={print.title.split(" ")} unit={print.unit} />)
-          )}
-          <text class="face-title" x={-pivot} y={wide ? 56 : 36} font-size={12}>
-            L
-          </text>
-          <text class="face-title" x={pivot} y={wide ? 56 : 36} font-size={12}>
-            R
-          </text>
-        </g>
+        {sameTitle ? (
+          <Caption x={0} y={-62} size={9} lines={broken(prints[0]!.title, 10)} unit={prints[0]!.unit} />
+        ) : (
+          prints.map((print, index) => (
+            <Caption x={index === 0 ? -20 : 20} y={-68} size={7} lines={broken(print.title, 9)} unit={print.unit} />
+          ))
+        )}
+        <Caption x={-pivot} y={60} size={11} lines={["L"]} unit="" />
+        <Caption x={pivot} y={60} size={11} lines={["R"]} unit="" />
       </>
     ),
     [prints, pivot, radius, wide, sameTitle],
