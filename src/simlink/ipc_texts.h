@@ -53,8 +53,9 @@ inline const SimNameTable SimNames = {"Any",    "FS98", "FS2K", "CFS2",     "CFS
                                       "FS2004", "FSX",  "ESP",  "Prepar3D", "Unknown", "PREP3D-V4", "PREP3D-V4+"};
 
 // The names that stand after a connection has been tried again.
-inline const SimNameTable SimNamesAtRetry = {"Any",    "FS98", "FS2K", "CFS2",     "CFS1",    "FLY",     "FS2002",
-                                             "FS2004", "FSX",  "ESP",  "Prepar3D", "Unknown", "Unknown", "Unknown"};
+inline constexpr SimNameTable kSimNamesAtRetry = {"Any",      "FS98",    "FS2K",    "CFS2",   "CFS1",
+                                                  "FLY",      "FS2002",  "FS2004",  "FSX",    "ESP",
+                                                  "Prepar3D", "Unknown", "Unknown", "Unknown"};
 
 // The text of a result; empty for a number that is none.
 std::string_view result_text(std::int32_t result);

@@ -92,7 +92,7 @@ TEST(IpcTexts, version_words_read_as_four_digits_and_a_letter) {
 TEST(IpcTexts, names_and_results_outside_their_tables_do_not_stop_the_program) {
     EXPECT_EQ(simlink::sim_name(simlink::SimNames, 8), "FSX");
     EXPECT_EQ(simlink::sim_name(simlink::SimNames, 13), "PREP3D-V4+");
-    EXPECT_EQ(simlink::sim_name(simlink::SimNamesAtRetry, 13), "Unknown");
+    EXPECT_EQ(simlink::sim_name(simlink::kSimNamesAtRetry, 13), "Unknown");
     EXPECT_EQ(simlink::sim_name(simlink::SimNames, 14), "Unknown");
     EXPECT_EQ(simlink::sim_name(simlink::SimNames, 0xFFFF), "Unknown");
     EXPECT_EQ(simlink::result_text(15), "Read or Write request cannot be added, memory for Process is full");
