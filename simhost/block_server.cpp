@@ -59,21 +59,27 @@ void overlay_word(std::uint32_t word, std::uint32_t word_offset, std::uint32_t o
 
 }  // namespace
 
-std::uint32_t BlockServer::answer(std::uint8_t* block, std::size_t size) {
+BlockAnswer BlockServer::answer(std::uint8_t* block, std::size_t size) {
+    BlockAnswer result;
+    result.delay = answer_delay();
     if (silent()) {
-        return kReplyBadData;
+        result.kind = BlockAnswer::Kind::silence;
+        result.value = kReplyBadData;
+        return result;
     }
     // The block may lie in memory that the client shares, so what is checked and what is used is a copy of it.
     block_.assign(block, block + (block == nullptr ? 0 : size));
     const std::optional<std::size_t> length = length_of_records(block_.data(), block_.size());
     if (!length) {
         ++bad_blocks_;
-        return kReplyBadData;
+        result.value = kReplyBadData;
+        return result;
     }
     apply();
     std::copy_n(block_.begin(), *length, block);
     ++answered_blocks_;
-    return fault(ServerFault::bad_reply) ? kBadReplyValue : kReplyGood;
+    result.value = fault(ServerFault::bad_reply) ? kBadReplyValue : kReplyGood;
+    return result;
 }
 
 std::uint32_t BlockServer::sim_word() const {

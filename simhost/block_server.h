@@ -41,6 +41,13 @@ enum class ServerFault : std::uint8_t {
 };
 inline constexpr int kServerFaults = 7;
 
+struct BlockAnswer {
+    enum class Kind : std::uint8_t { reply, silence };
+    Kind kind = Kind::reply;
+    std::uint32_t value = kReplyGood;
+    std::chrono::milliseconds delay{0};  // wait this long before the reply is sent
+};
+
 // Answers request blocks out of an offset space, in place. It knows nothing of the way a block comes; the transport
 // asks it whether to answer at all and how late.
 class BlockServer {
@@ -50,10 +57,10 @@ class BlockServer {
     // Called after a client's write record has been applied: first offset and number of bytes, at least 1.
     std::function<void(std::uint32_t offset, std::uint32_t size)> on_write;
 
-    // Answers a block in place, faults included, and gives the reply value. Safe on any bytes, and on bytes that
+    // Answers a block in place, faults included. Safe on any bytes, and on bytes that
     // another process changes meanwhile: a block that is not well formed (unknown id, data beyond its end or beyond the
     // offset space, no stop) changes nothing and gets kReplyBadData.
-    std::uint32_t answer(std::uint8_t* block, std::size_t size);
+    BlockAnswer answer(std::uint8_t* block, std::size_t size);
 
     // What the transport is to do with the sends that come in: nothing at all, or answer after this time.
     bool silent() const { return fault(ServerFault::silence); }

@@ -22,7 +22,7 @@ class Simulator {
     // Moves the flight on and shows the new values.
     void step(FlightModel::Duration elapsed);
     // Answers a request block in place; gives the reply value.
-    std::uint32_t answer(std::uint8_t* block, std::size_t size) { return server_.answer(block, size); }
+    std::uint32_t answer(std::uint8_t* block, std::size_t size) { return server_.answer(block, size).value; }
 
     // Starts from cold and dark again, with an empty offset space.
     void restart();
