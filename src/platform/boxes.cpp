@@ -31,10 +31,10 @@ bool StackedBoxes::answer_input(std::uint32_t id, std::optional<std::string> tex
 }
 
 bool StackedBoxes::give(std::uint32_t id, BoxKind kind, Given given) {
-    if (given_ || open_.empty() || open_.back().id != id || open_.back().kind != kind) {
+    if (open_.empty() || open_.back().id != id || open_.back().kind != kind || given_.back()) {
         return false;
     }
-    given_ = std::move(given);
+    given_.back() = std::move(given);
     return true;
 }
 
@@ -45,14 +45,16 @@ StackedBoxes::Given StackedBoxes::wait_for(BoxKind kind, const std::string& text
         StackedBoxes& boxes;
         ~Entry() {
             boxes.open_.pop_back();
-            boxes.given_.reset();
+            boxes.given_.pop_back();
             if (boxes.on_change) {
                 boxes.on_change();
             }
         }
     };
     const std::uint32_t id = ++last_id_;
+    const std::size_t place = open_.size();
     open_.push_back({id, kind, text, preset});
+    given_.emplace_back();
     const Entry entry{*this};
     if (log_) {
         log_(text);
@@ -60,11 +62,11 @@ StackedBoxes::Given StackedBoxes::wait_for(BoxKind kind, const std::string& text
     if (on_change) {
         on_change();
     }
-    opened(open_.back());
+    opened(OpenBox(open_.back()));
     // A box that lies on top of this one belongs to a task that runs inside this wait, so it has gone when we look
-    // again.
-    loop_.yield_until_modal([this, &settled] { return given_.has_value() || (settled && settled()); });
-    return given_ ? *given_ : Given{};
+    // again. An answer may have been given before that one came up, so each box keeps its own.
+    loop_.yield_until_modal([this, place, &settled] { return given_[place].has_value() || (settled && settled()); });
+    return given_[place].value_or(Given{});
 }
 
 }  // namespace platform

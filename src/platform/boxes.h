@@ -77,8 +77,8 @@ class StackedBoxes : public Boxes {
     EventLoop& loop_;
     Log log_;
     std::vector<OpenBox> open_;
+    std::vector<std::optional<Given>> given_;  // the answer to each open box, until its caller has taken it
     std::uint32_t last_id_ = 0;
-    std::optional<Given> given_;  // the answer to the top box, until its caller has taken it
 };
 
 }  // namespace platform

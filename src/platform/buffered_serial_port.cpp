@@ -1,6 +1,7 @@
 #include "platform/buffered_serial_port.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "support/failure.h"
 
@@ -17,6 +18,7 @@ std::string BufferedSerialPort::read() {
     const std::size_t length = read_length_ == 0 ? input_.size() : std::min(read_length_, input_.size());
     std::string taken = input_.substr(0, length);
     input_.erase(0, length);
+    ++reads_;
     return taken;
 }
 
@@ -35,12 +37,18 @@ void BufferedSerialPort::raise_receive_if_due() {
     }
 }
 
-void BufferedSerialPort::raise(SerialEvent event) {
-    queue(event, Duration::zero());
+void BufferedSerialPort::EventList::add(SerialEvent event) {
+    if (std::find(begin(), end(), event) == end()) {
+        events_[count_++] = event;
+    }
 }
 
-void BufferedSerialPort::queue(SerialEvent event, Duration delay) {
-    loop_.post_after(delay, [this, alive = std::weak_ptr<bool>(alive_), event] {
+BufferedSerialPort::EventList BufferedSerialPort::EventList::take() {
+    return std::exchange(*this, EventList{});
+}
+
+void BufferedSerialPort::raise(SerialEvent event) {
+    loop_.post([this, alive = std::weak_ptr<bool>(alive_), event] {
         if (!alive.expired()) {
             dispatch(event);
         }
@@ -49,8 +57,7 @@ void BufferedSerialPort::queue(SerialEvent event, Duration delay) {
 
 void BufferedSerialPort::dispatch(SerialEvent event) {
     if (in_handler_) {
-        // The handler waits in a box: it has its event later.
-        queue(event, Milliseconds(1));
+        held_back_.add(event);  // the handler waits, in a box for example
         return;
     }
     if (event == SerialEvent::receive) {
@@ -59,29 +66,35 @@ void BufferedSerialPort::dispatch(SerialEvent event) {
             return;  // read or cleared meanwhile
         }
     }
-    if (!is_open() || !handler_) {
-        return;
+    if (is_open() && handler_) {
+        call_handler(event);
     }
+}
+
+void BufferedSerialPort::call_handler(SerialEvent event) {
+    // Lets the handler in again also when it has thrown; it may have destroyed its port.
     struct Guard {
         BufferedSerialPort* port;
         std::weak_ptr<bool> alive;
+        std::size_t reads_before;
+
         ~Guard() {
-            if (!alive.expired()) {
-                port->in_handler_ = false;
+            if (alive.expired()) {
+                return;
+            }
+            port->in_handler_ = false;
+            for (const SerialEvent held_back : port->held_back_.take()) {
+                port->raise(held_back);
+            }
+            // A handler that took something is called again for what still waits.
+            if (port->reads_ != reads_before) {
+                port->raise_receive_if_due();
             }
         }
     };
-    const std::weak_ptr<bool> alive = alive_;
-    const std::size_t waiting = input_.size();
-    {
-        in_handler_ = true;
-        const Guard guard{this, alive};
-        handler_(event);
-    }
-    // A handler that took something is called again for what still waits.
-    if (!alive.expired() && input_.size() != waiting) {
-        raise_receive_if_due();
-    }
+    in_handler_ = true;
+    const Guard guard{this, alive_, reads_};
+    handler_(event);
 }
 
 }  // namespace platform

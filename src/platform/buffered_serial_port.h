@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,7 +20,7 @@ class BufferedSerialPort : public SerialPort {
     void set_read_length(std::size_t bytes) override { read_length_ = bytes; }
     void set_event_handler(EventHandler handler) override { handler_ = std::move(handler); }
     std::string read() override;
-    void clear_input() override { input_.clear(); }
+    void clear_input() override { drop_input(); }
 
     std::size_t receive_threshold() const { return threshold_; }
     std::size_t read_length() const { return read_length_; }
@@ -29,17 +30,35 @@ class BufferedSerialPort : public SerialPort {
 
     // Bytes of the line. Queues a receive event when the threshold is reached. Beyond kInputLimit the oldest bytes go.
     void arrived(std::string_view bytes);
-    // Queues an event for the handler; events that come while it runs follow when it has ended.
+    // Queues an event for the handler; events that come while it runs follow when it has ended, each kind once.
     void raise(SerialEvent event);
-    void drop_input() { input_.clear(); }
+    void drop_input() {
+        input_.clear();
+        ++reads_;
+    }
 
     EventLoop& loop() const { return loop_; }
 
   private:
     static constexpr std::size_t kInputLimit = 65536;
+    static constexpr std::size_t kEventKinds = 5;
 
-    void queue(SerialEvent event, Duration delay);
+    // A fixed list of events without repetition, in their order.
+    class EventList {
+      public:
+        void add(SerialEvent event);
+        // Gives the events and empties the list.
+        EventList take();
+        const SerialEvent* begin() const { return events_.data(); }
+        const SerialEvent* end() const { return events_.data() + count_; }
+
+      private:
+        std::array<SerialEvent, kEventKinds> events_{};
+        std::size_t count_ = 0;
+    };
+
     void dispatch(SerialEvent event);
+    void call_handler(SerialEvent event);
     void raise_receive_if_due();
 
     EventLoop& loop_;
@@ -49,8 +68,10 @@ class BufferedSerialPort : public SerialPort {
     std::size_t read_length_ = 0;
     EventHandler handler_;
     std::string input_;
+    std::size_t reads_ = 0;  // reads and clearings, so that dispatch knows whether the handler took something
     bool receive_queued_ = false;
     bool in_handler_ = false;
+    EventList held_back_;  // came while the handler ran
 };
 
 }  // namespace platform

@@ -8,9 +8,6 @@ namespace platform::manual {
 
 namespace {
 
-// 38400 baud, 10 bits a byte.
-constexpr std::chrono::nanoseconds kByteTime{260417};
-
 bool falls(Random* random, double share) {
     return share > 0.0 && random != nullptr && static_cast<double>(random->next()) < share * 4294967296.0;
 }
@@ -35,7 +32,7 @@ void Wire::take_from_program(std::string_view bytes) {
         written.append(bytes);
     }
     std::string passed = through(bytes, faults.loss_to_device, faults.noise_to_device);
-    to_device_free_ = std::max(to_device_free_, loop_.now()) + kByteTime * static_cast<int>(bytes.size());
+    to_device_free_ = std::max(to_device_free_, loop_.now()) + byte_time_ * static_cast<int>(bytes.size());
     loop_.post_after(to_device_free_ - loop_.now(), [this, passed = std::move(passed)] {
         if (plugged_ && to_device) {
             bytes_to_device += passed.size();
@@ -46,7 +43,7 @@ void Wire::take_from_program(std::string_view bytes) {
 
 void Wire::deliver(std::string_view bytes) {
     std::string passed = through(bytes, faults.loss_to_program, faults.noise_to_program);
-    to_program_free_ = std::max(to_program_free_, loop_.now()) + kByteTime * static_cast<int>(bytes.size());
+    to_program_free_ = std::max(to_program_free_, loop_.now()) + byte_time_ * static_cast<int>(bytes.size());
     loop_.post_after(to_program_free_ - loop_.now(), [this, passed = std::move(passed)] {
         if (plugged_ && port_ != nullptr) {
             port_->arrived(passed);
@@ -95,7 +92,12 @@ void ManualSerialPort::set_settings(const std::string& settings) {
     if (wire_ != nullptr && wire_->faults.refuses_settings) {
         throw support::Failure("The port refuses the settings " + settings);
     }
+    const LineSettings parsed = parse_line_settings(settings);
     settings_ = settings;
+    byte_time_ = byte_time(parsed);
+    if (wire_ != nullptr) {
+        wire_->byte_time_ = byte_time_;
+    }
 }
 
 void ManualSerialPort::open() {
@@ -114,6 +116,7 @@ void ManualSerialPort::open() {
     }
     wire_ = wire;
     wire_->port_ = this;
+    wire_->byte_time_ = byte_time_;
     ++wire_->opens;
     drop_input();
 }

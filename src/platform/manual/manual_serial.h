@@ -8,6 +8,7 @@
 
 #include "platform/buffered_serial_port.h"
 #include "platform/event_loop.h"
+#include "platform/line_settings.h"
 #include "platform/random.h"
 
 namespace platform::manual {
@@ -27,7 +28,7 @@ struct WireFaults {
 class ManualSerialPort;
 
 // One serial line, by its port number: the program's port at one end, a device model at the other. Bytes take their
-// time at the line's speed (38400 baud, 10 bits a byte).
+// time at the speed of the program's line settings (38400 baud with one stop bit before the first opening).
 class Wire {
   public:
     Wire(EventLoop& loop, int number) : loop_(loop), number_(number) {}
@@ -71,6 +72,7 @@ class Wire {
     int number_;
     bool plugged_ = true;
     ManualSerialPort* port_ = nullptr;
+    std::chrono::nanoseconds byte_time_ = byte_time(LineSettings{});
     TimePoint to_device_free_{};
     TimePoint to_program_free_{};
 };
@@ -99,6 +101,7 @@ class ManualSerialPort : public BufferedSerialPort {
 
     ManualSerialPorts& ports_;
     std::string settings_;
+    std::chrono::nanoseconds byte_time_ = byte_time(LineSettings{});
     Wire* wire_ = nullptr;
 };
 

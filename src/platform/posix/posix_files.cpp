@@ -68,10 +68,11 @@ void PosixFiles::replace(const std::string& name, std::string_view bytes) {
         throw support::Failure("The file is write-protected");
     }
     const std::string temporary = name + ".tmp";
+    const mode_t mode = status.st_mode & 0777U;
     try {
-        write_temporary(temporary, bytes, there ? status.st_mode & 0777U : 0644U);
+        write_temporary(temporary, bytes, there ? std::optional<mode_t>(mode) : std::nullopt);
         if (there) {
-            keep_backup(name);
+            keep_backup(name, mode);
         }
         if (::renameat(folder_.get(), temporary.c_str(), folder_.get(), name.c_str()) != 0) {
             throw_system_failure("The file cannot be replaced");
@@ -83,11 +84,16 @@ void PosixFiles::replace(const std::string& name, std::string_view bytes) {
     ::fsync(folder_.get());
 }
 
-void PosixFiles::write_temporary(const std::string& name, std::string_view bytes, unsigned mode) {
-    const Descriptor file(::openat(folder_.get(), name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW,
-                                   static_cast<mode_t>(mode)));
+void PosixFiles::write_temporary(const std::string& name, std::string_view bytes, std::optional<mode_t> mode) {
+    ::unlinkat(folder_.get(), name.c_str(), 0);  // left over from a crash
+    const Descriptor file(
+        ::openat(folder_.get(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode.value_or(0644)));
     if (!file.valid()) {
         throw_system_failure("The file cannot be written");
+    }
+    if (mode) {
+        // Beyond what the process' mask lets through. A file system without permissions may refuse.
+        static_cast<void>(::fchmod(file.get(), *mode) != 0);
     }
     while (!bytes.empty()) {
         const ssize_t count = ::write(file.get(), bytes.data(), bytes.size());
@@ -101,7 +107,7 @@ void PosixFiles::write_temporary(const std::string& name, std::string_view bytes
     }
 }
 
-void PosixFiles::keep_backup(const std::string& name) {
+void PosixFiles::keep_backup(const std::string& name, mode_t mode) {
     // A second name for the old file, put in place of the former backup in one step.
     const std::string backup = name + ".bak";
     const std::string link = name + ".bak.tmp";
@@ -116,8 +122,10 @@ void PosixFiles::keep_backup(const std::string& name) {
         return;
     }
     // A file system without links: copy.
-    const std::string bytes = read(name);
-    write_temporary(backup, bytes, 0644U);
+    write_temporary(link, read(name), mode);
+    if (::renameat(folder_.get(), link.c_str(), folder_.get(), backup.c_str()) != 0) {
+        throw_system_failure("The version before cannot be kept");
+    }
 }
 
 void PosixFiles::remove(const std::string& name) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <sys/types.h>
+
+#include <optional>
 #include <string>
 
 #include "platform/file_store.h"
@@ -20,8 +23,9 @@ class PosixFiles : public FileStore {
     std::vector<std::string> list(std::string_view ending) const override;
 
   private:
-    void write_temporary(const std::string& name, std::string_view bytes, unsigned mode);
-    void keep_backup(const std::string& name);
+    // Without `mode` the new file gets the permissions that new files have.
+    void write_temporary(const std::string& name, std::string_view bytes, std::optional<mode_t> mode);
+    void keep_backup(const std::string& name, mode_t mode);
 
     Descriptor folder_;
 };

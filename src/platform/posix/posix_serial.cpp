@@ -3,20 +3,32 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 
-#include "platform/posix/line_settings.h"
-#include "platform/posix/system_failure.h"
+#include "platform/posix/terminal_mode.h"
 
 namespace platform::posix {
 
 namespace {
 
-constexpr std::size_t kOutputLimit = 65536;
 constexpr Milliseconds kReturnInterval{500};
+
+bool is_pseudo_terminal(int terminal) {
+    constexpr unsigned kFirstMajor = 136;  // device numbers of the Unix98 pseudo-terminals
+    constexpr unsigned kLastMajor = 143;
+    struct stat status {};
+    if (::fstat(terminal, &status) != 0) {
+        return false;
+    }
+    const unsigned device_major = major(status.st_rdev);
+    return device_major >= kFirstMajor && device_major <= kLastMajor;
+}
 
 }  // namespace
 
@@ -36,15 +48,15 @@ std::string PosixSerialPort::path() const {
             return candidate;
         }
     }
-    throw support::Failure("Port COM" + number_text + " does not exist");
+    throw support::Failure(name() + " does not exist");
 }
 
 void PosixSerialPort::set_settings(const std::string& settings) {
     const LineSettings parsed = parse_line_settings(settings);
-    settings_ = settings;
     if (line_) {
         apply_line_settings(line_->descriptor.native_handle(), parsed);
     }
+    settings_ = parsed;
 }
 
 void PosixSerialPort::open() {
@@ -55,41 +67,54 @@ void PosixSerialPort::open() {
     open_ = true;
 }
 
+Descriptor PosixSerialPort::open_device() const {
+    // Not blocking: a line without carrier must not hold the program up.
+    Descriptor device(::open(path().c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+    if (!device.valid() && errno == EBUSY) {
+        throw support::Failure(name() + " is in use by another program");
+    }
+    if (!device.valid()) {
+        throw_system_failure(name() + " cannot be opened");
+    }
+    if (::isatty(device.get()) == 0) {
+        throw support::Failure(name() + " is not a serial line");
+    }
+    // The lock keeps out a second program of ours whoever runs it.
+    if (::flock(device.get(), LOCK_EX | LOCK_NB) != 0) {
+        throw support::Failure(name() + " is in use by another program");
+    }
+    return device;
+}
+
 void PosixSerialPort::connect() {
-    const std::string device = path();
-    Descriptor descriptor(::open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
-    if (!descriptor.valid()) {
-        throw_system_failure("Port COM" + std::to_string(number()) + " cannot be opened");
-    }
-    // Both locks: the first keeps other programs out, the second also those that run as root.
-    if (::flock(descriptor.get(), LOCK_EX | LOCK_NB) != 0 || ::ioctl(descriptor.get(), TIOCEXCL) != 0) {
-        const int error = errno;
-        if (error == ENOTTY) {
-            throw support::Failure("Port COM" + std::to_string(number()) + " is not a serial line");
-        }
-        throw support::Failure("Port COM" + std::to_string(number()) + " is in use by another program");
-    }
-    apply_line_settings(descriptor.get(), parse_line_settings(settings_));
+    Descriptor device = open_device();
+    apply_line_settings(device.get(), settings_);
+    // What the line has kept from before is not for us.
+    ::tcflush(device.get(), TCIOFLUSH);
     auto line = std::make_shared<Line>(posix_loop_.io_context());
-    line->descriptor.assign(descriptor.release());
+    // Exclusive use keeps out programs that know no lock. A pseudo-terminal would stay exclusive after a crash, as long
+    // as its device's end lives.
+    line->exclusive = !is_pseudo_terminal(device.get()) && ::ioctl(device.get(), TIOCEXCL) == 0;
+    line->descriptor.assign(device.release());
     line->port = this;
     line_ = std::move(line);
     decoder_.reset();
     drop_input();
-    pending_output_.clear();
+    output_.clear();
     await_input();
 }
 
 void PosixSerialPort::drop_line() {
     if (line_) {
         line_->port = nullptr;
-        const int descriptor = line_->descriptor.native_handle();
-        ::ioctl(descriptor, TIOCNXCL);
+        if (line_->exclusive) {
+            ::ioctl(line_->descriptor.native_handle(), TIOCNXCL);
+        }
         boost::system::error_code ignored;
         line_->descriptor.close(ignored);
         line_.reset();
     }
-    pending_output_.clear();
+    output_.clear();
 }
 
 void PosixSerialPort::close() {
@@ -161,41 +186,35 @@ void PosixSerialPort::clear_output() {
     if (line_) {
         ::tcflush(line_->descriptor.native_handle(), TCOFLUSH);
     }
-    pending_output_.clear();
+    output_.clear();
 }
 
 void PosixSerialPort::write(std::string_view bytes) {
     if (!open_) {
-        throw support::Failure("Port COM" + std::to_string(number()) + " is not open");
+        throw support::Failure(name() + " is not open");
     }
     if (!line_) {
-        throw support::Failure("Port COM" + std::to_string(number()) + " has gone");
+        throw support::Failure(name() + " has gone");
     }
-    if (pending_output_.size() + bytes.size() > kOutputLimit) {
-        pending_output_.clear();
-    }
-    pending_output_.append(bytes);
+    output_.add(bytes);
     if (!send_pending()) {
         lost();
-        throw support::Failure("Port COM" + std::to_string(number()) + " has gone");
+        throw support::Failure(name() + " has gone");
     }
 }
 
 bool PosixSerialPort::send_pending() {
-    while (!pending_output_.empty()) {
-        const ssize_t count =
-            ::write(line_->descriptor.native_handle(), pending_output_.data(), pending_output_.size());
-        if (count < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            if (errno == EAGAIN) {
-                await_output();
-                return true;
-            }
+    while (!output_.empty()) {
+        const std::string_view next = output_.next();
+        const ssize_t count = ::write(line_->descriptor.native_handle(), next.data(), next.size());
+        if (count >= 0) {
+            output_.taken(static_cast<std::size_t>(count));
+        } else if (errno == EAGAIN) {
+            await_output();
+            return true;
+        } else if (errno != EINTR) {
             return false;
         }
-        pending_output_.erase(0, static_cast<std::size_t>(count));
     }
     return true;
 }

@@ -6,8 +6,11 @@
 #include <string>
 
 #include "platform/buffered_serial_port.h"
+#include "platform/line_settings.h"
+#include "platform/posix/output_queue.h"
 #include "platform/posix/parmrk_decoder.h"
 #include "platform/posix/posix_loop.h"
+#include "platform/posix/system_failure.h"
 
 namespace platform::posix {
 
@@ -26,8 +29,8 @@ class PosixSerialPort : public BufferedSerialPort {
     bool connected() const override { return line_ != nullptr; }
     void clear_input() override;
     void clear_output() override;
-    // What the line does not take at once waits, 64 KiB at most; beyond that all that waits is dropped, so that a line
-    // that stands still neither blocks the program nor fills its memory.
+    // What the line does not take at once waits in an OutputQueue, so that a line that stands still neither blocks the
+    // program nor fills its memory.
     void write(std::string_view bytes) override;
     bool carrier_detect() const override;
 
@@ -38,9 +41,12 @@ class PosixSerialPort : public BufferedSerialPort {
         boost::asio::posix::stream_descriptor descriptor;
         PosixSerialPort* port = nullptr;  // null once closed
         bool writing = false;
+        bool exclusive = false;  // the system keeps others out
     };
 
+    std::string name() const { return "Port COM" + std::to_string(number()); }
     std::string path() const;
+    Descriptor open_device() const;
     // Opens the line, without events. Throws a Failure.
     void connect();
     void drop_line();
@@ -54,11 +60,11 @@ class PosixSerialPort : public BufferedSerialPort {
     PosixLoop& posix_loop_;
     std::shared_ptr<int> alive_ = std::make_shared<int>(0);
     std::string folder_;
-    std::string settings_ = "38400,N,8,1";
+    LineSettings settings_;
     bool open_ = false;
     std::shared_ptr<Line> line_;
     ParmrkDecoder decoder_;
-    std::string pending_output_;
+    OutputQueue output_;
     std::shared_ptr<boost::asio::steady_timer> return_timer_;
 };
 

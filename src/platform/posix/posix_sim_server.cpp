@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include "platform/posix/sim_wire.h"
 #include "platform/posix/system_failure.h"
@@ -39,7 +40,10 @@ PosixSimServer::Connection::~Connection() {
 
 PosixSimServer::PosixSimServer(PosixLoop& loop, const std::string& window_class, Server server)
     : loop_(loop), server_(std::move(server)), listener_(loop.io_context()) {
-    Descriptor socket(make_packet_socket());
+    Descriptor socket = make_packet_socket();
+    if (!socket.valid()) {
+        throw_system_failure("No socket");
+    }
     if (const int error = listen_on_class(socket.get(), window_class)) {
         throw_system_failure("Another simulator answers as " + window_class, error);
     }
@@ -102,17 +106,25 @@ void PosixSimServer::await_send(const ConnectionPointer& connection) {
 }
 
 void PosixSimServer::take_sends(const ConnectionPointer& connection) {
-    bool again = true;
-    while (again) {
-        if (!take_one_send(connection, again)) {
-            close(connection);
-            return;
-        }
+    Taken taken = Taken::one;
+    while ((taken = take_one_send(*connection)) == Taken::one) {
+    }
+    if (taken == Taken::end) {
+        close(connection);
+        return;
+    }
+    if (connection->latest && fault != ServerFault::silent) {
+        loop_.post_after(answer_delay, [this, alive = std::weak_ptr<int>(alive_), connection,
+                                        number = connection->latest->number] {
+            if (!alive.expired() && connection->open && connection->latest && connection->latest->number == number) {
+                answer(*connection, *std::exchange(connection->latest, std::nullopt));
+            }
+        });
     }
     await_send(connection);
 }
 
-bool PosixSimServer::take_one_send(const ConnectionPointer& connection, bool& again) {
+PosixSimServer::Taken PosixSimServer::take_one_send(Connection& connection) {
     SendPacket packet{};
     iovec part{packet.data(), packet.size()};
     alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control{};
@@ -121,10 +133,9 @@ bool PosixSimServer::take_one_send(const ConnectionPointer& connection, bool& ag
     header.msg_iovlen = 1;
     header.msg_control = control.data();
     header.msg_controllen = control.size();
-    const ssize_t count = ::recvmsg(connection->socket.native_handle(), &header, MSG_DONTWAIT | MSG_CMSG_CLOEXEC);
+    const ssize_t count = ::recvmsg(connection.socket.native_handle(), &header, MSG_DONTWAIT | MSG_CMSG_CLOEXEC);
     if (count <= 0) {
-        again = false;
-        return count < 0 && (errno == EAGAIN || errno == EINTR);
+        return count < 0 && (errno == EAGAIN || errno == EINTR) ? Taken::nothing : Taken::end;
     }
     Descriptor memory;
     const cmsghdr* rights = CMSG_FIRSTHDR(&header);
@@ -136,23 +147,14 @@ bool PosixSimServer::take_one_send(const ConnectionPointer& connection, bool& ag
     }
     if (count != static_cast<ssize_t>(kSendPacketSize) ||
         support::read_u32le(packet.data() + kSendMessageAt) != registered_message("FSASMLIB:IPC")) {
-        return false;
+        return Taken::end;
     }
     const auto atom = static_cast<std::uint16_t>(support::read_u32le(packet.data() + kSendAtomAt));
-    const std::uint32_t number = support::read_u32le(packet.data() + kSendNumberAt);
     if (memory.valid() && is_good_mapping(memory.get())) {
-        keep_view(*connection, atom, memory.get());
+        keep_view(connection, atom, memory.get());
     }
-    if (fault == ServerFault::silent) {
-        return true;
-    }
-    const auto task = [this, alive = std::weak_ptr<int>(alive_), connection, atom, number] {
-        if (!alive.expired() && connection->open) {
-            answer(connection, atom, number);
-        }
-    };
-    loop_.post_after(answer_delay, task);
-    return true;
+    connection.latest = Send{atom, support::read_u32le(packet.data() + kSendNumberAt)};
+    return Taken::one;
 }
 
 std::uint8_t* PosixSimServer::view_of(const Connection& connection, std::uint16_t atom) {
@@ -184,16 +186,19 @@ void PosixSimServer::keep_view(Connection& connection, std::uint16_t atom, int m
     connection.views.push_back({atom, block});
 }
 
-void PosixSimServer::answer(const ConnectionPointer& connection, std::uint16_t atom, std::uint32_t number) {
-    std::uint8_t* block = view_of(*connection, atom);
+void PosixSimServer::answer(Connection& connection, const Send& send) {
+    std::uint8_t* block = view_of(connection, send.atom);
     const std::uint32_t value = block == nullptr ? 0 : server_(block, kBlockSize);
+    if (fault == ServerFault::silent || !connection.open) {
+        return;
+    }
     ReplyPacket packet{};
     support::put_u32le(packet.data() + kReplyValueAt, value);
-    support::put_u32le(packet.data() + kReplyNumberAt, number);
+    support::put_u32le(packet.data() + kReplyNumberAt, send.number);
     ++answered_;
     // A client that does not read its replies loses them.
     static_cast<void>(
-        ::send(connection->socket.native_handle(), packet.data(), packet.size(), MSG_NOSIGNAL | MSG_DONTWAIT));
+        ::send(connection.socket.native_handle(), packet.data(), packet.size(), MSG_NOSIGNAL | MSG_DONTWAIT));
 }
 
 }  // namespace platform::posix

@@ -5,6 +5,7 @@
 #include <functional>
 #include <list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,10 +17,11 @@ namespace platform::posix {
 enum class ServerFault { none, silent };
 
 // The other end of PosixTransport: a window class that answers request blocks. Blocks are answered in tasks of the
-// loop.
+// loop. A client that sends again has given up its sends before, so only its latest one is answered: its block may
+// already be half filled with the next requests.
 class PosixSimServer {
   public:
-    // Answers a block in place and gives the reply value.
+    // Answers a block in place and gives the reply value. It may set `fault`: with `silent` no reply goes out.
     using Server = std::function<std::uint32_t(std::uint8_t* block, std::size_t size)>;
 
     // Listens on a class text ("UIPCMAIN"). Throws a Failure when another program listens there.
@@ -42,11 +44,17 @@ class PosixSimServer {
         std::uint16_t atom = 0;
         std::uint8_t* block = nullptr;
     };
+    // A send that waits for its answer.
+    struct Send {
+        std::uint16_t atom = 0;
+        std::uint32_t number = 0;
+    };
     struct Connection {
         explicit Connection(boost::asio::io_context& context) : socket(context) {}
         ~Connection();
         boost::asio::posix::stream_descriptor socket;
         std::vector<View> views;
+        std::optional<Send> latest;
         bool open = true;
     };
     using ConnectionPointer = std::shared_ptr<Connection>;
@@ -55,9 +63,9 @@ class PosixSimServer {
     void accept_clients();
     void await_send(const ConnectionPointer& connection);
     void take_sends(const ConnectionPointer& connection);
-    // False when the connection has ended.
-    bool take_one_send(const ConnectionPointer& connection, bool& again);
-    void answer(const ConnectionPointer& connection, std::uint16_t atom, std::uint32_t number);
+    enum class Taken { one, nothing, end };
+    static Taken take_one_send(Connection& connection);
+    void answer(Connection& connection, const Send& send);
     void close(const ConnectionPointer& connection);
     static std::uint8_t* view_of(const Connection& connection, std::uint16_t atom);
     static void keep_view(Connection& connection, std::uint16_t atom, int memory);

@@ -33,7 +33,10 @@ bool PosixTransport::alive(const Window& window) const {
 
 int PosixTransport::connect(Window& window) {
     disconnect(window);
-    Descriptor socket(make_packet_socket());
+    Descriptor socket = make_packet_socket();
+    if (!socket.valid()) {
+        return errno;
+    }
     if (const int error = connect_to_class(socket.get(), window.window_class)) {
         return error;
     }
@@ -80,6 +83,10 @@ std::uint16_t PosixTransport::GlobalAddAtomA(const std::string& name) {
 
 void PosixTransport::GlobalDeleteAtom(std::uint16_t atom) {
     std::erase_if(atoms_, [atom](const Atom& known) { return known.number == atom; });
+    // The number comes again some day, with another mapping.
+    for (Window& window : windows_) {
+        std::erase(window.introduced_atoms, atom);
+    }
 }
 
 MappingHandle PosixTransport::CreateFileMappingA(std::uint32_t size_bytes, const std::string& name) {

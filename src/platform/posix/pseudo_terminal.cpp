@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <stdlib.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
@@ -10,6 +11,13 @@
 #include <cerrno>
 
 namespace platform::posix {
+
+namespace {
+
+constexpr const char* kPseudoTerminals = "/dev/pts/";
+constexpr int kMostUnread = 2048;
+
+}  // namespace
 
 PseudoTerminal::PseudoTerminal(PosixLoop& loop, const std::string& folder, int number)
     : loop_(loop), link_(folder + "/ports/COM" + std::to_string(number)) {
@@ -27,26 +35,43 @@ PseudoTerminal::PseudoTerminal(PosixLoop& loop, const std::string& folder, int n
     ::cfmakeraw(&mode);
     ::tcsetattr(other_end_.get(), TCSANOW, &mode);
 
+    name_ = name.data();
     if (::mkdir((folder + "/ports").c_str(), 0755) != 0 && errno != EEXIST) {
         throw_system_failure("The folder ports cannot be made");
     }
-    // The link is put in place in one step, so that nobody finds the port missing in between.
-    const std::string fresh = link_ + ".new";
-    ::unlink(fresh.c_str());
-    if (::symlink(name.data(), fresh.c_str()) != 0 || ::rename(fresh.c_str(), link_.c_str()) != 0) {
-        throw_system_failure("The link " + link_ + " cannot be made");
-    }
+    put_link();
     side_ = std::make_shared<Side>(loop.io_context());
     side_->descriptor.assign(terminal.release());
     side_->terminal = this;
     await_input();
 }
 
+void PseudoTerminal::put_link() const {
+    struct stat status {};
+    if (::lstat(link_.c_str(), &status) == 0 && link_target().rfind(kPseudoTerminals, 0) != 0) {
+        throw support::Failure(link_ + " is there already and leads to no pseudo-terminal; remove it first");
+    }
+    // The link is put in place in one step, so that nobody finds the port missing in between.
+    const std::string fresh = link_ + ".new";
+    ::unlink(fresh.c_str());
+    if (::symlink(name_.c_str(), fresh.c_str()) != 0 || ::rename(fresh.c_str(), link_.c_str()) != 0) {
+        throw_system_failure("The link " + link_ + " cannot be made");
+    }
+}
+
+std::string PseudoTerminal::link_target() const {
+    std::array<char, 256> target{};
+    const ssize_t count = ::readlink(link_.c_str(), target.data(), target.size());
+    return std::string(target.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
+}
+
 PseudoTerminal::~PseudoTerminal() {
     side_->terminal = nullptr;
     boost::system::error_code ignored;
     side_->descriptor.close(ignored);
-    ::unlink(link_.c_str());
+    if (link_target() == name_) {
+        ::unlink(link_.c_str());
+    }
 }
 
 void PseudoTerminal::await_input() {
@@ -74,6 +99,10 @@ void PseudoTerminal::take_input() {
 }
 
 void PseudoTerminal::write(std::string_view bytes) {
+    int unread = 0;
+    if (::ioctl(other_end_.get(), FIONREAD, &unread) == 0 && unread >= kMostUnread) {
+        return;
+    }
     static_cast<void>(::write(side_->descriptor.native_handle(), bytes.data(), bytes.size()) < 0);
 }
 

@@ -4,10 +4,9 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
-
-#include "platform/posix/system_failure.h"
 
 namespace platform::posix {
 
@@ -31,12 +30,8 @@ struct ClassAddress {
 
 }  // namespace
 
-int make_packet_socket() {
-    const int made = ::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-    if (made < 0) {
-        throw_system_failure("No socket");
-    }
-    return made;
+Descriptor make_packet_socket() {
+    return Descriptor(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
 }
 
 int connect_to_class(int socket, const std::string& window_class) {

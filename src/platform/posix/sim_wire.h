@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/posix/system_failure.h"
+
 namespace platform::posix {
 
 // The simulator's conversation over a Unix socket, as docs/simulator-link.md tells it. All numbers are little-endian.
@@ -37,8 +39,8 @@ constexpr std::uint32_t registered_message(std::string_view text) {
     return kFirstRegistered + (hash & 0x3FFFU);
 }
 
-// Makes a packet socket, not blocking, not inherited. Throws a Failure.
-int make_packet_socket();
+// Makes a packet socket, not blocking, not inherited. Not valid, with the reason in errno, when there is none.
+Descriptor make_packet_socket();
 // Connects a packet socket to a window class, or listens on it. Gives 0 or the system's error code.
 int connect_to_class(int socket, const std::string& window_class);
 int listen_on_class(int socket, const std::string& window_class);
