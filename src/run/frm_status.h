@@ -51,6 +51,8 @@ class frmStatus : public panel::Panel {
     void cmdconfig_Click();
     // Stops the run, closes ports and panels, and ends the program.
     void CmdExit_Click();
+    // One tick. Only during a run. Allocates nothing once every gauge has been served and nothing goes wrong.
+    void ProcessTimer_Timer();
 
     bool running() const { return Running_ == 1; }
     std::int16_t TickCount() const { return TickCount_; }
@@ -135,7 +137,6 @@ class frmStatus : public panel::Panel {
     void open_system_ports();
 
     // process_tick.cpp
-    void ProcessTimer_Timer();
     void process_tick();
     void process_lights();
     void send_lights();

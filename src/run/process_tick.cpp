@@ -27,7 +27,7 @@ void frmStatus::ProcessTimer_Timer() {
     }
 }
 
-// One tick. It never yields by itself; only a question about a failure lets other events run.
+// It never yields by itself; only a question about a failure lets other events run.
 void frmStatus::process_tick() {
     // 1.
     ProcessState_ = 1;
