@@ -115,13 +115,13 @@ void BenchProgram::tell_pages() {
         server_.broadcast(shared_text(changes));
     } else if (++quiet_turns_ >= kTurnsBetweenBeats) {
         quiet_turns_ = 0;
-        server_.broadcast(shared_text(R"({"kind":"beat"})"));
+        server_.broadcast(shared_text(R"({"type":"beat"})"));
     }
 }
 
 void BenchProgram::take_page_command(const std::string& line) {
     JsonWriter answer;
-    answer.begin_object().name("kind").value("answer").name("text").value(page_commands_.carry_out(line)).end_object();
+    answer.begin_object().name("type").value("answer").name("text").value(page_commands_.carry_out(line)).end_object();
     server_.broadcast(shared_text(answer.text()));
 }
 

@@ -105,7 +105,7 @@ class CockpitView::DeltaSink : public StateSink {
 
 const std::string& CockpitView::everything() {
     writer_.clear();
-    writer_.begin_object().name("kind").value("layout");
+    writer_.begin_object().name("type").value("layout");
     write_layout();
     // What the other pages have been told stays as it is: they must not miss what has changed since.
     Told nobody;
@@ -121,7 +121,7 @@ const std::string& CockpitView::changes() {
         return everything();
     }
     writer_.clear();
-    writer_.begin_object().name("kind").value("values");
+    writer_.begin_object().name("type").value("values");
     const bool changed = write_values(told_);
     writer_.end_object();
     return changed ? writer_.text() : nothing_;

@@ -87,7 +87,7 @@ TEST_F(Set, pages_are_told_everything_once_and_then_what_changes) {
     bool plugged = true;
     CockpitView view(devices, [&plugged](int) { return plugged; });
     const std::string first = view.changes();
-    EXPECT_NE(first.find(R"({"kind":"layout","lines":[{"port":1,"role":"Gauge bus","simulated":true},{"port":4,)"),
+    EXPECT_NE(first.find(R"({"type":"layout","lines":[{"port":1,"role":"Gauge bus","simulated":true},{"port":4,)"),
               std::string::npos);
     EXPECT_NE(first.find(R"("plate":"0-100 \u00b0","points":[[0,0],[100,945]])"), std::string::npos);
     EXPECT_NE(first.find(R"("1.17":{"fault":"none","lit":true,"level":15,"power":true,"commands":0})"),
@@ -99,15 +99,15 @@ TEST_F(Set, pages_are_told_everything_once_and_then_what_changes) {
     bus.device(2)->take({3, 2000});
     bus.device(2)->take({5, 100});
     loop.advance(milliseconds(20));
-    EXPECT_EQ(view.changes(), R"({"kind":"values","deviceValues":{"1.2":{"pointer1":10}}})");
+    EXPECT_EQ(view.changes(), R"({"type":"values","deviceValues":{"1.2":{"pointer1":10}}})");
     loop.advance(milliseconds(20));
     // A page that joins now must not keep the others from hearing of this change.
     EXPECT_NE(view.everything().find(R"("pointer1":20)"), std::string::npos);
-    EXPECT_EQ(view.changes(), R"({"kind":"values","deviceValues":{"1.2":{"pointer1":20}}})");
+    EXPECT_EQ(view.changes(), R"({"type":"values","deviceValues":{"1.2":{"pointer1":20}}})");
     bus.device(1)->take({8, 15});
     plugged = false;
     loop.advance(seconds(1));
-    EXPECT_EQ(view.changes(), R"({"kind":"values","lineValues":{"1":{"plugged":false},"4":{"plugged":false}},)"
+    EXPECT_EQ(view.changes(), R"({"type":"values","lineValues":{"1":{"plugged":false},"4":{"plugged":false}},)"
                               R"("deviceValues":{"1.1":{"lit":false,"power":false},"1.2":{"pointer1":100}}})");
     std::string change;
     bus::append_change_id_frame(change, 2, 40);

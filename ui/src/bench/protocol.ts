@@ -36,24 +36,24 @@ interface ValueSections {
 }
 
 export interface LayoutMessage extends ValueSections {
-  kind: "layout";
+  type: "layout";
   lines: LineLayout[];
   instruments: Instrument[];
 }
 
 export interface ValuesMessage extends ValueSections {
-  kind: "values";
+  type: "values";
 }
 
 /** What the bench says to a command of this page. */
 export interface AnswerMessage {
-  kind: "answer";
+  type: "answer";
   text: string;
 }
 
 /** Sent when nothing changes, so that a page knows the bench is there. */
 export interface BeatMessage {
-  kind: "beat";
+  type: "beat";
 }
 
 export type Message = LayoutMessage | ValuesMessage | AnswerMessage | BeatMessage;

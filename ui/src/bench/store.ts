@@ -19,13 +19,13 @@ export class Store {
   private listeners = new Map<string, Set<Listener>>();
 
   take(message: Message): void {
-    if (message.kind === "beat") return;
-    if (message.kind === "answer") {
+    if (message.type === "beat") return;
+    if (message.type === "answer") {
       this.answer = message.text;
       this.tell("answer");
       return;
     }
-    if (message.kind === "layout") {
+    if (message.type === "layout") {
       this.lines = message.lines;
       this.instruments = message.instruments;
       this.tell("layout");
