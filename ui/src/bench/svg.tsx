@@ -123,7 +123,7 @@ function Screw({ x, y, turn }: { x: number; y: number; turn: number }): JSX.Elem
   );
 }
 
-/** The case of a round instrument with its glass; `children` is what lies behind the glass. */
+/** The case of a round instrument and its dial; `children` is what is printed on it. */
 export function RoundCase({ children }: { children: ComponentChildren }): JSX.Element {
   return (
     <>
@@ -135,8 +135,36 @@ export function RoundCase({ children }: { children: ComponentChildren }): JSX.El
       <circle class="bezel" r={94} />
       <circle class="dial" r={88} />
       {children}
-      <path class="glass" d="M -70 -44 A 83 83 0 0 1 62 -55 A 120 120 0 0 0 -70 -44 Z" />
       <circle class="rim" r={88} />
     </>
+  );
+}
+
+/** The glass over a round dial. */
+export function Glass(): JSX.Element {
+  return <path class="glass" d="M -70 -44 A 83 83 0 0 1 62 -55 A 120 120 0 0 0 -70 -44 Z" />;
+}
+
+interface LayersProps {
+  label: string;
+  viewBox?: string;
+  fixed: ComponentChildren;
+  moving: ComponentChildren;
+}
+
+/**
+ * A drawing in two layers. What is printed keeps its picture, with all its glow, while what moves is drawn above it;
+ * without this every turn of a needle would paint the whole instrument anew.
+ */
+export function Layers({ label, viewBox = "-100 -100 200 200", fixed, moving }: LayersProps): JSX.Element {
+  return (
+    <div class="layers" role="img" aria-label={label}>
+      <svg class="layer-fixed" viewBox={viewBox} aria-hidden="true">
+        {fixed}
+      </svg>
+      <svg class="layer-moving" viewBox={viewBox} aria-hidden="true">
+        {moving}
+      </svg>
+    </div>
   );
 }

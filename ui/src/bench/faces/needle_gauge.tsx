@@ -3,15 +3,13 @@
 import type { JSX } from "preact";
 import { useMemo } from "preact/hooks";
 
-import type { Instrument, NeedlePrint } from "../protocol";
+import type { Instrument, NeedlePrint, Values } from "../protocol";
 import { printedTitle, scaleOf, STEPS_PER_DEGREE, unitOf, zeroDegrees, type Scale } from "../scale";
 import { numberOf, textOf } from "../store";
-import { Hub, Needle, RoundCase, ScaleMarks } from "../svg";
+import { Glass, Hub, Layers, Needle, RoundCase, ScaleMarks } from "../svg";
 import type { Face, FaceProps } from "./face";
 
 const WITH_DISPLAY = 2;
-const SIDE_BY_SIDE = 3;
-const CONCENTRIC = [5, 6];
 
 interface Print {
   scale: Scale | undefined;
@@ -81,153 +79,137 @@ function Display({ text, dark }: { text: string; dark: boolean }): JSX.Element {
   );
 }
 
-function SingleNeedle({ instrument, values }: FaceProps): JSX.Element {
-  const print = useMemo(() => printOf(instrument.needles[0]), [instrument]);
-  const zero = zeroDegrees(print.scale);
-  const steps = numberOf(values, "pointer1");
-  const hasDisplay = instrument.type === WITH_DISPLAY;
-  const sequence = instrument.needles[0]?.sequence ?? 1;
-  const fixed = useMemo(
-    () => (
+// What is printed on a dial. It is worked out once for an instrument.
+interface Printed {
+  prints: [Print, Print];
+  zero: number; // degrees at which the zero mark stands
+  plate: JSX.Element;
+}
+
+interface Kind {
+  printed(instrument: Instrument): Printed;
+  pointers(printed: Printed, values: Values): JSX.Element;
+}
+
+function printsOf(instrument: Instrument): [Print, Print] {
+  return [printOf(instrument.needles[0]), printOf(instrument.needles[1])];
+}
+
+const singleNeedle: Kind = {
+  printed(instrument) {
+    const prints = printsOf(instrument);
+    const [print] = prints;
+    const zero = zeroDegrees(print.scale);
+    const sequence = instrument.needles[0]?.sequence ?? 1;
+    const title = print.title + (sequence > 1 ? ` ${sequence}` : "");
+    const plate = (
       <>
         {print.scale && <ScaleMarks scale={print.scale} zero={zero} radius={82} labelSize={13} />}
-        <Caption
-          x={0}
-          y={-30}
-          size={9.5}
-          lines={broken(print.title + (sequence > 1 ? ` ${sequence}` : ""), 13)}
-          unit={print.unit}
-        />
+        <Caption x={0} y={-30} size={9.5} lines={broken(title, 13)} unit={print.unit} />
       </>
-    ),
-    [print, zero, sequence],
-  );
-  return (
-    <>
-      {fixed}
-      {hasDisplay && <Display text={textOf(values, "display")} dark={values.power !== true} />}
-      <Needle
-        degrees={zero + steps / STEPS_PER_DEGREE}
-        length={76}
-        tail={20}
-        width={6}
-        colour="white"
-        number={1}
-        steps={steps}
-      />
-      <Hub />
-    </>
-  );
-}
+    );
+    return { prints, zero, plate };
+  },
+  pointers({ zero }, values) {
+    const steps = numberOf(values, "pointer1");
+    const degrees = zero + steps / STEPS_PER_DEGREE;
+    return (
+      <>
+        <Needle degrees={degrees} length={76} tail={20} width={6} colour="white" number={1} steps={steps} />
+        <Hub />
+      </>
+    );
+  },
+};
 
 /** Whether the scales of two needles on one axis would be printed over each other. */
-function overlap(one: Scale, two: Scale): boolean {
-  const [low1, high1] = [Math.min(one.first, one.last), Math.max(one.first, one.last)];
-  const [low2, high2] = [Math.min(two.first, two.last), Math.max(two.first, two.last)];
-  return low1 < high2 && low2 < high1;
+function overlap([one, two]: [Print, Print]): boolean {
+  if (!one.scale || !two.scale) return false;
+  const low = (scale: Scale) => Math.min(scale.first, scale.last);
+  const high = (scale: Scale) => Math.max(scale.first, scale.last);
+  return low(one.scale) < high(two.scale) && low(two.scale) < high(one.scale);
 }
 
-/** The middle of a scale, as a side of the dial: -1 left, 1 right. */
+/** The side of the dial on which a scale lies: -1 left, 1 right. */
 function sideOf(scale: Scale | undefined, zero: number): number {
   const middle = scale ? zero + (scale.first + scale.last) / 2 / STEPS_PER_DEGREE : 0;
   return Math.sin((middle * Math.PI) / 180) < 0 ? -1 : 1;
 }
 
-function Concentric({ instrument, values }: FaceProps): JSX.Element {
-  const first = useMemo(() => printOf(instrument.needles[0]), [instrument]);
-  const second = useMemo(() => printOf(instrument.needles[1]), [instrument]);
-  const zero = zeroDegrees(first.scale);
-  const inner = first.scale && second.scale ? overlap(first.scale, second.scale) : false;
-  const steps1 = numberOf(values, "pointer1");
-  const steps2 = numberOf(values, "pointer2");
-  const fixed = useMemo(() => {
-    const side1 = inner ? 0 : sideOf(first.scale, zero);
-    return (
-      <>
-        {first.scale && <ScaleMarks scale={first.scale} zero={zero} radius={82} labelSize={inner ? 13 : 11.5} />}
-        <g class="second-print">
-          {second.scale && (
-            <ScaleMarks
-              scale={second.scale}
-              zero={zero}
-              radius={inner ? 50 : 82}
-              labelSize={inner ? 8 : 11.5}
-              length={inner ? 6 : 12}
-            />
-          )}
-        </g>
-        {!inner && <line class="divider" x1={0} y1={-84} x2={0} y2={-60} />}
-        {!inner && <line class="divider" x1={0} y1={60} x2={0} y2={84} />}
-        <CaptionPair first={first} second={second} side={side1} />
-      </>
-    );
-  }, [first, second, zero, inner]);
+/** Two scales that both go round: the second lies inside the first. */
+function nestedPlate([first, second]: [Print, Print], zero: number): JSX.Element {
   return (
     <>
-      {fixed}
-      <Needle
-        degrees={zero + steps2 / STEPS_PER_DEGREE}
-        length={inner ? 48 : 74}
-        tail={18}
-        width={inner ? 7 : 6}
-        colour="yellow"
-        number={2}
-        steps={steps2}
-      />
-      <Needle degrees={zero + steps1 / STEPS_PER_DEGREE} length={76} tail={20} width={5.5} colour="white" number={1} steps={steps1} />
-      <Hub />
-    </>
-  );
-}
-
-/** Titles of two scales: on their own sides, or one above the other when both go round. */
-function CaptionPair({ first, second, side }: { first: Print; second: Print; side: number }): JSX.Element {
-  if (side === 0) {
-    return (
-      <>
-        <Caption x={0} y={-19} size={6.5} lines={[first.title]} unit={first.unit} />
-        <g class="second-print">
-          <Caption x={0} y={15} size={6.5} lines={[second.title]} unit={second.unit} />
-        </g>
-      </>
-    );
-  }
-  return (
-    <>
-      <Caption x={side * 20} y={-25} size={6.5} lines={broken(first.title, 9)} unit={first.unit} />
+      {first.scale && <ScaleMarks scale={first.scale} zero={zero} radius={82} labelSize={13} />}
+      <Caption x={0} y={-19} size={6.5} lines={[first.title]} unit={first.unit} />
       <g class="second-print">
-        <Caption x={-side * 20} y={-25} size={6.5} lines={broken(second.title, 9)} unit={second.unit} />
+        {second.scale && <ScaleMarks scale={second.scale} zero={zero} radius={50} labelSize={8} length={6} />}
+        <Caption x={0} y={15} size={6.5} lines={[second.title]} unit={second.unit} />
       </g>
     </>
   );
 }
 
-function SideBySide({ instrument, values }: FaceProps): JSX.Element {
-  const prints = useMemo(() => [printOf(instrument.needles[0]), printOf(instrument.needles[1])], [instrument]);
-  const zero = 180;
-  // Wide scales get small dials of their own, narrow ones lie along the edge of the common dial.
-  const wide = prints.some((print) => print.scale && Math.abs(print.scale.last - print.scale.first) > 600);
-  const pivot = wide ? 42 : 20;
-  const radius = wide ? 38 : 61;
-  const sameTitle = prints[0]!.title === prints[1]!.title;
-  const fixed = useMemo(
-    () => (
+/** Two scales with a side of the dial each. */
+function halvesPlate([first, second]: [Print, Print], zero: number): JSX.Element {
+  const side = sideOf(first.scale, zero);
+  return (
+    <>
+      {first.scale && <ScaleMarks scale={first.scale} zero={zero} radius={82} labelSize={11.5} />}
+      <Caption x={side * 20} y={-25} size={6.5} lines={broken(first.title, 9)} unit={first.unit} />
+      <g class="second-print">
+        {second.scale && <ScaleMarks scale={second.scale} zero={zero} radius={82} labelSize={11.5} />}
+        <Caption x={-side * 20} y={-25} size={6.5} lines={broken(second.title, 9)} unit={second.unit} />
+      </g>
+      <line class="divider" x1={0} y1={-84} x2={0} y2={-60} />
+      <line class="divider" x1={0} y1={60} x2={0} y2={84} />
+    </>
+  );
+}
+
+const concentric: Kind = {
+  printed(instrument) {
+    const prints = printsOf(instrument);
+    const zero = zeroDegrees(prints[0].scale);
+    return { prints, zero, plate: overlap(prints) ? nestedPlate(prints, zero) : halvesPlate(prints, zero) };
+  },
+  pointers({ prints, zero }, values) {
+    const nested = overlap(prints);
+    const [steps1, steps2] = [numberOf(values, "pointer1"), numberOf(values, "pointer2")];
+    const degrees = (steps: number) => zero + steps / STEPS_PER_DEGREE;
+    const [length2, width2] = nested ? [48, 7] : [74, 6];
+    return (
       <>
-        {prints.map((print, index) => (
+        <Needle degrees={degrees(steps2)} length={length2} tail={18} width={width2} colour="yellow" number={2} steps={steps2} />
+        <Needle degrees={degrees(steps1)} length={76} tail={20} width={5.5} colour="white" number={1} steps={steps1} />
+        <Hub />
+      </>
+    );
+  },
+};
+
+// Wide scales get small dials of their own, narrow ones lie along the edge of the common dial.
+function sidesOf(prints: [Print, Print]): { wide: boolean; pivot: number; radius: number } {
+  const wide = prints.some((print) => print.scale && Math.abs(print.scale.last - print.scale.first) > 600);
+  return wide ? { wide, pivot: 42, radius: 38 } : { wide, pivot: 20, radius: 61 };
+}
+
+const sideBySide: Kind = {
+  printed(instrument) {
+    const prints = printsOf(instrument);
+    const zero = 180;
+    const { wide, pivot, radius } = sidesOf(prints);
+    const [labelSize, length] = wide ? [7, 6] : [11, 10];
+    const [first, second] = prints;
+    const plate = (
+      <>
+        {prints.map(({ scale }, index) => (
           <g transform={`translate(${index === 0 ? -pivot : pivot} 0)`}>
-            {print.scale && (
-              <ScaleMarks
-                scale={print.scale}
-                zero={zero}
-                radius={radius}
-                labelSize={wide ? 7 : 11}
-                length={wide ? 6 : 10}
-              />
-            )}
+            {scale && <ScaleMarks scale={scale} zero={zero} radius={radius} labelSize={labelSize} length={length} />}
           </g>
         ))}
-        {sameTitle ? (
-          <Caption x={0} y={-62} size={9} lines={broken(prints[0]!.title, 10)} unit={prints[0]!.unit} />
+        {first.title === second.title ? (
+          <Caption x={0} y={-62} size={9} lines={broken(first.title, 10)} unit={first.unit} />
         ) : (
           prints.map((print, index) => (
             <Caption x={index === 0 ? -20 : 20} y={-68} size={7} lines={broken(print.title, 9)} unit={print.unit} />
@@ -236,43 +218,49 @@ function SideBySide({ instrument, values }: FaceProps): JSX.Element {
         <Caption x={-pivot} y={60} size={11} lines={["L"]} unit="" />
         <Caption x={pivot} y={60} size={11} lines={["R"]} unit="" />
       </>
-    ),
-    [prints, pivot, radius, wide, sameTitle],
-  );
-  return (
-    <>
-      {fixed}
-      {[1, 2].map((number) => {
-        const steps = numberOf(values, `pointer${number}`);
-        return (
-          <g transform={`translate(${number === 1 ? -pivot : pivot} 0)`}>
-            <Needle
-              degrees={zero + steps / STEPS_PER_DEGREE}
-              length={radius - 3}
-              tail={12}
-              width={5}
-              colour="white"
-              number={number}
-              steps={steps}
-            />
-            <Hub radius={wide ? 5 : 8} />
-          </g>
-        );
-      })}
-    </>
-  );
-}
+    );
+    return { prints, zero, plate };
+  },
+  pointers({ prints, zero }, values) {
+    const { wide, pivot, radius } = sidesOf(prints);
+    const pointer = (number: number, x: number) => {
+      const steps = numberOf(values, `pointer${number}`);
+      const degrees = zero + steps / STEPS_PER_DEGREE;
+      return (
+        <g transform={`translate(${x} 0)`}>
+          <Needle degrees={degrees} length={radius - 3} tail={12} width={5} colour="white" number={number} steps={steps} />
+          <Hub radius={wide ? 5 : 8} />
+        </g>
+      );
+    };
+    return (
+      <>
+        {pointer(1, -pivot)}
+        {pointer(2, pivot)}
+      </>
+    );
+  },
+};
 
-function NeedleGauge(props: FaceProps): JSX.Element {
-  const { instrument } = props;
-  const Dial = instrument.type === SIDE_BY_SIDE ? SideBySide : CONCENTRIC.includes(instrument.type) ? Concentric : SingleNeedle;
+const KINDS: Record<number, Kind> = { 3: sideBySide, 5: concentric, 6: concentric };
+
+function NeedleGauge({ instrument, values }: FaceProps): JSX.Element {
+  const kind = KINDS[instrument.type] ?? singleNeedle;
+  const printed = useMemo(() => kind.printed(instrument), [kind, instrument]);
+  const fixed = useMemo(() => <RoundCase>{printed.plate}</RoundCase>, [printed]);
   const titles = instrument.needles.map((needle) => needle.title).filter((title) => title !== "");
   return (
-    <svg viewBox="-100 -100 200 200" role="img" aria-label={`Gauge ${instrument.id}: ${titles.join(", ")}`}>
-      <RoundCase>
-        <Dial {...props} />
-      </RoundCase>
-    </svg>
+    <Layers
+      label={`Gauge ${instrument.id}: ${titles.join(", ")}`}
+      fixed={fixed}
+      moving={
+        <>
+          {instrument.type === WITH_DISPLAY && <Display text={textOf(values, "display")} dark={values.power !== true} />}
+          {kind.pointers(printed, values)}
+          <Glass />
+        </>
+      }
+    />
   );
 }
 
