@@ -45,7 +45,7 @@ struct RunWorld {
 
     RunWorld() {
         machine.sim_transport.server = [this](std::uint8_t* block, std::size_t size) {
-            return server.answer(block, size);
+            return server.answer(block, size).value;
         };
         client.IpcInit();
         client.IpcOpen(0, client.IpcResult);

@@ -24,7 +24,7 @@ class SimComTest : public testing::Test {
         simulator_.write_u32(simhost::kSimVersionOffset, simhost::kSimVersion);
         server_.on_write = [this](std::uint32_t offset, std::uint32_t size) { writes_.emplace_back(offset, size); };
         machine_.sim_transport.server = [this](std::uint8_t* block, std::size_t size) {
-            return server_.answer(block, size);
+            return server_.answer(block, size).value;
         };
         client_.IpcInit();
         EXPECT_TRUE(client_.IpcOpen(0, client_.IpcResult));

@@ -48,7 +48,7 @@ Rig::Rig(SimulatorAtStart simulator) {
         }
     }
     machine.sim_transport.server = [this](std::uint8_t* block, std::size_t size) {
-        return server.answer(block, size);
+        return server.answer(block, size).value;
     };
     if (simulator == SimulatorAtStart::absent) {
         machine.sim_transport.windows.clear();
