@@ -34,6 +34,7 @@ bool leads_to_real_hardware(const std::string& link) {
 void load_tables(const std::string& folder, tables::CoreTables& tables,
                  const std::function<void(const std::string&)>& log) {
     tables::SetConstants(tables);
+    tables.ProgramName = tables::kProgramName;
     platform::posix::PosixFiles files(folder);
     platform::posix::PosixWallClock clock;
     UnattendedBoxes boxes(log);
