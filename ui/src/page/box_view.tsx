@@ -16,35 +16,70 @@ const answersOf: Record<Box["kind"], { name: string; answer: AnswerName }[]> = {
   ],
 };
 
-// What Escape means.
-const escapeOf: Record<Box["kind"], AnswerName> = { message: "ok", question: "no", input: "cancel" };
+// What Escape means. A question has no harmless answer, so there it means nothing.
+const escapeOf: Partial<Record<Box["kind"], AnswerName>> = { message: "ok", input: "cancel" };
 
-export function BoxView({ box, more, send }: { box: Box; more: number; send: (message: PageMessage) => void }) {
-  const root = useRef<HTMLDivElement>(null);
-  const [text, setText] = useState(box.preset);
-  const answer = (name: AnswerName) =>
-    send({ type: "answer", id: box.id, answer: name, ...(box.kind === "input" ? { text } : {}) });
+const kindTitles: Record<Box["kind"], string> = { message: "Message", question: "Question", input: "Input" };
 
+// A box may come up under the hands of a user who is typing; keys pressed right then are not meant for it.
+const deafMs = 400;
+
+interface BoxProps {
+  box: Box;
+  more: number; // boxes that wait below
+  linked: boolean;
+  send: (message: PageMessage) => void;
+}
+
+// Gives the keyboard to the box, and back to where it was.
+function useKeyboard(root: { current: HTMLElement | null }) {
   useEffect(() => {
     const before = document.activeElement;
-    root.current?.querySelector<HTMLElement>("input, button")?.focus();
-    return () => (before instanceof HTMLElement ? before.focus() : undefined);
+    const first = root.current?.querySelector<HTMLElement>("input, button");
+    first?.focus();
+    if (first instanceof HTMLInputElement) {
+      first.select();
+    }
+    return () => {
+      if (before instanceof HTMLElement && before.isConnected) {
+        before.focus({ preventScroll: true });
+      }
+    };
   }, []);
+}
+
+function moveFocus(root: HTMLElement, backward: boolean) {
+  const stops = [...root.querySelectorAll<HTMLElement>("input, button")];
+  const at = stops.indexOf(document.activeElement as HTMLElement);
+  const last = stops.length - 1;
+  stops[backward ? (at <= 0 ? last : at - 1) : at >= last ? 0 : at + 1]?.focus();
+}
+
+export function BoxView({ box, more, linked, send }: BoxProps) {
+  const root = useRef<HTMLDivElement>(null);
+  const openedAt = useRef(performance.now());
+  const [text, setText] = useState(box.preset);
+  useKeyboard(root);
+
+  const answer = (name: AnswerName) =>
+    send({ type: "answer", id: box.id, answer: name, ...(box.kind === "input" && name === "ok" ? { text } : {}) });
 
   const onKeyDown = (event: KeyboardEvent) => {
-    if (event.key === "Escape") {
+    const answers = event.key === "Enter" || event.key === " " || event.key === "Escape";
+    const escape = escapeOf[box.kind];
+    if (answers && performance.now() - openedAt.current < deafMs) {
       event.preventDefault();
-      answer(escapeOf[box.kind]);
+    } else if (event.key === "Escape") {
+      event.preventDefault();
+      if (escape) {
+        answer(escape);
+      }
     } else if (event.key === "Enter" && event.target instanceof HTMLInputElement) {
       event.preventDefault();
       answer("ok");
     } else if (event.key === "Tab" && root.current) {
-      // The keyboard stays inside the box.
-      const stops = [...root.current.querySelectorAll<HTMLElement>("input, button")];
-      const last = stops.length - 1;
-      const at = stops.indexOf(document.activeElement as HTMLElement);
       event.preventDefault();
-      stops[event.shiftKey ? (at <= 0 ? last : at - 1) : at >= last ? 0 : at + 1]?.focus();
+      moveFocus(root.current, event.shiftKey);
     }
   };
 
@@ -52,10 +87,11 @@ export function BoxView({ box, more, send }: { box: Box; more: number; send: (me
     <div class="veil">
       <div
         ref={root}
-        class="box"
+        class={`box box-${box.kind}`}
         role="alertdialog"
         aria-modal="true"
-        aria-labelledby="box-text"
+        aria-label={kindTitles[box.kind]}
+        aria-describedby="box-text"
         data-box={box.id}
         data-kind={box.kind}
         onKeyDown={onKeyDown}
@@ -64,12 +100,25 @@ export function BoxView({ box, more, send }: { box: Box; more: number; send: (me
           {box.text}
         </p>
         {box.kind === "input" && (
-          <input type="text" aria-labelledby="box-text" value={text} onInput={(event) => setText(event.currentTarget.value)} />
+          <input
+            type="text"
+            aria-labelledby="box-text"
+            autocomplete="off"
+            spellcheck={false}
+            value={text}
+            onInput={(event) => setText(event.currentTarget.value)}
+          />
         )}
-        {more > 0 && <p class="box-more">{more === 1 ? "One more waits below." : `${more} more wait below.`}</p>}
-        <div class="box-answers">
-          {answersOf[box.kind].map(({ name, answer: given }) => (
-            <button type="button" key={name} class="command" onClick={() => answer(given)}>
+        <div class="box-foot">
+          <span class="box-more">{more === 0 ? "" : more === 1 ? "1 more waits behind" : `${more} more wait behind`}</span>
+          {answersOf[box.kind].map(({ name, answer: given }, index) => (
+            <button
+              type="button"
+              key={name}
+              class={index === 0 ? "command command-first" : "command"}
+              disabled={!linked}
+              onClick={() => answer(given)}
+            >
               {name}
             </button>
           ))}

@@ -1,21 +1,22 @@
 // Colours of fields come as the number 0xBBGGRR; -1 leaves the colour to the page.
+import type { JSX } from "preact";
 
-export type Lamp = "none" | "red" | "green" | "other";
+const pageChoice = -1;
+const named: Record<number, string> = { 255: "red", 49152: "green", 65280: "green" };
 
-export function lampOf(colour: number): Lamp {
-  switch (colour) {
-    case -1:
-      return "none";
-    case 255:
-      return "red";
-    case 49152:
-    case 65280:
-      return "green";
-    default:
-      return "other";
-  }
+export function isLit(colour: number): boolean {
+  return colour !== pageChoice;
 }
 
-export function cssColour(colour: number): string {
-  return `rgb(${colour & 255}, ${(colour >> 8) & 255}, ${(colour >> 16) & 255})`;
+// A class for the colours that mean something everywhere, with a blank before it.
+export function colourClass(colour: number): string {
+  return isLit(colour) ? ` lit lit-${named[colour] ?? "own"}` : "";
+}
+
+// Any other colour is handed to the style sheet as it is.
+export function colourStyle(colour: number): JSX.CSSProperties | undefined {
+  if (!isLit(colour) || named[colour] !== undefined) {
+    return undefined;
+  }
+  return { "--lit": `rgb(${colour & 255}, ${(colour >> 8) & 255}, ${(colour >> 16) & 255})` } as JSX.CSSProperties;
 }

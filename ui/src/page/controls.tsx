@@ -1,102 +1,50 @@
-// One component for each kind of control. The element that bears data-control is the one a user reads or works.
+// The controls by their kind. The element that bears data-control is the one a user reads or works.
 import { Component } from "preact";
-import { useEffect, useRef, useState } from "preact/hooks";
 import type { JSX } from "preact";
-import { cssColour, lampOf } from "./colour";
-import type { Control, ControlEventName } from "./protocol";
+import { useEffect, useRef } from "preact/hooks";
+import { useDraft } from "./draft";
+import { elementId, Field, marks, nameOf, tip, type ControlProps } from "./field";
+import { ListView } from "./list_view";
+import { ProgressView, Readout, TextView } from "./readouts";
 import { widgets } from "./widgets";
+import { colourClass, colourStyle } from "./colour";
+import type { Control } from "./protocol";
 
-export type Act = (control: Control, event: ControlEventName, input?: { value?: number; text?: string }) => void;
+// While a slider is dragged its positions go out no faster than the program shows them.
+const dragSendMs = 50;
 
-interface ControlProps {
-  panel: string;
-  control: Control;
-  act: Act;
-}
-
-function marks(control: Control): Record<string, string | number> {
-  return control.index === undefined
-    ? { "data-control": control.control }
-    : { "data-control": control.control, "data-index": control.index };
-}
-
-function elementId({ panel, control }: ControlProps): string {
-  return `${panel}-${control.control}${control.index === undefined ? "" : `-${control.index}`}`;
-}
-
-function tip(control: Control): string | undefined {
-  return control.toolTip === "" ? undefined : control.toolTip;
-}
-
-function Field({ id, label, children, wide }: { id: string; label: string; wide?: boolean; children: JSX.Element }) {
-  return (
-    <div class={wide ? "field field-wide" : "field"}>
-      {label !== "" && (
-        <label for={id} id={`${id}-label`}>
-          {label}
-        </label>
-      )}
-      {children}
-    </div>
-  );
-}
-
-function LabelView({ control }: ControlProps) {
-  return (
-    <p class="text" {...marks(control)} title={tip(control)}>
-      {control.text}
-    </p>
-  );
-}
-
-function lampClass(base: string, control: Control): string {
-  const lamp = lampOf(control.colour);
-  return lamp === "none" ? base : `${base} lamp lamp-${lamp}`;
-}
-
-function lampStyle(control: Control): JSX.CSSProperties | undefined {
-  return lampOf(control.colour) === "other" ? { backgroundColor: cssColour(control.colour) } : undefined;
-}
-
-function Readout(props: ControlProps) {
-  const { control } = props;
-  const id = elementId(props);
-  return (
-    <Field id={id} label={control.caption}>
-      <output id={id} class={lampClass("readout", control)} style={lampStyle(control)} {...marks(control)} title={tip(control)}>
-        {control.text === "" ? "\u00a0" : control.text}
-      </output>
-    </Field>
-  );
-}
-
-// What is being typed stays until it is committed with Enter or by leaving the field.
+// What is being typed goes out with Enter or when the field is left.
 function EditBox(props: ControlProps) {
   const { control, act } = props;
   const id = elementId(props);
-  const [draft, setDraft] = useState<string | undefined>(undefined);
+  const draft = useDraft(control, control.text);
   const commit = () => {
-    if (draft !== undefined && draft !== control.text) {
-      act(control, "change", { text: draft });
+    if (draft.value !== control.text) {
+      act(control, "change", { text: draft.value });
+      draft.sent();
+    } else {
+      draft.drop();
     }
-    setDraft(undefined);
   };
   return (
     <Field id={id} label={control.caption}>
       <input
         id={id}
         type="text"
+        autocomplete="off"
+        spellcheck={false}
         {...marks(control)}
+        {...nameOf(control)}
         title={tip(control)}
         disabled={!control.enabled}
-        value={draft ?? control.text}
-        onInput={(event) => setDraft(event.currentTarget.value)}
+        value={draft.value}
+        onInput={(event) => draft.edit(event.currentTarget.value)}
         onBlur={commit}
         onKeyDown={(event) => {
           if (event.key === "Enter") {
             commit();
           } else if (event.key === "Escape") {
-            setDraft(undefined);
+            draft.drop();
           }
         }}
       />
@@ -108,7 +56,7 @@ function TextBoxView(props: ControlProps) {
   return props.control.editable ? <EditBox {...props} /> : <Readout {...props} />;
 }
 
-function CheckView(props: ControlProps) {
+function ChoiceView(props: ControlProps) {
   const { control, act } = props;
   const isOption = control.kind === "option_button";
   return (
@@ -117,6 +65,7 @@ function CheckView(props: ControlProps) {
         type={isOption ? "radio" : "checkbox"}
         name={isOption ? `${props.panel}-${control.group}` : undefined}
         {...marks(control)}
+        {...nameOf(control)}
         checked={control.value === 1}
         disabled={!control.enabled}
         onChange={(event) => act(control, "click", { value: event.currentTarget.checked ? 1 : 0 })}
@@ -134,6 +83,7 @@ function ComboView(props: ControlProps) {
       <select
         id={id}
         {...marks(control)}
+        {...nameOf(control)}
         title={tip(control)}
         disabled={!control.enabled}
         value={String(control.value)}
@@ -150,95 +100,62 @@ function ComboView(props: ControlProps) {
   );
 }
 
-function ListView(props: ControlProps) {
-  const { control, act } = props;
-  const id = elementId(props);
-  const items = control.items ?? [];
-  const list = useRef<HTMLUListElement>(null);
-  useEffect(() => {
-    list.current?.querySelector('[aria-selected="true"]')?.scrollIntoView({ block: "nearest" });
-  }, [control.value]);
-  const choose = (index: number) => {
-    if (control.enabled && index >= 0 && index < items.length) {
-      act(control, "click", { value: index });
+// Calls `send` at most every dragSendMs while a drag goes on; `flush` sends the last position at once.
+function useDragSender(send: (value: number) => void) {
+  const timer = useRef<number>();
+  const waiting = useRef<number>();
+  const sendLatest = useRef(send);
+  sendLatest.current = send;
+  const flush = () => {
+    window.clearTimeout(timer.current);
+    timer.current = undefined;
+    if (waiting.current !== undefined) {
+      sendLatest.current(waiting.current);
+      waiting.current = undefined;
     }
   };
-  return (
-    <Field id={id} label={control.caption} wide>
-      <ul
-        id={id}
-        ref={list}
-        class="list"
-        role="listbox"
-        tabIndex={0}
-        aria-labelledby={`${id}-label`}
-        aria-disabled={!control.enabled}
-        {...marks(control)}
-        title={tip(control)}
-        onKeyDown={(event) => {
-          const step = event.key === "ArrowDown" ? 1 : event.key === "ArrowUp" ? -1 : 0;
-          if (step !== 0) {
-            event.preventDefault();
-            choose(control.value < 0 ? 0 : control.value + step);
-          } else if (event.key === "Enter" && control.value >= 0) {
-            act(control, "double_click", { value: control.value });
-          }
-        }}
-      >
-        {items.map((item, index) => (
-          <li
-            key={index}
-            role="option"
-            aria-selected={index === control.value}
-            onClick={() => choose(index)}
-            onDblClick={() => control.enabled && act(control, "double_click", { value: index })}
-          >
-            {item === "" ? "\u00a0" : item}
-          </li>
-        ))}
-      </ul>
-    </Field>
-  );
+  useEffect(() => () => window.clearTimeout(timer.current), []);
+  return {
+    flush,
+    move(value: number) {
+      waiting.current = value;
+      timer.current ??= window.setTimeout(flush, dragSendMs);
+    },
+  };
 }
 
-// While the user drags, the slider stands where the user has it, whatever the program says meanwhile.
 function SliderView(props: ControlProps) {
   const { control, act } = props;
   const id = elementId(props);
-  const [dragged, setDragged] = useState<number | undefined>(undefined);
-  const value = dragged ?? control.value;
+  const draft = useDraft(control, control.value);
+  const sender = useDragSender((value) => act(control, "change", { value }));
   return (
-    <Field id={id} label={control.caption}>
+    <Field id={id} label={control.caption} wide>
       <div class="slider">
         <input
           id={id}
           type="range"
           {...marks(control)}
+          {...nameOf(control)}
           title={tip(control)}
           disabled={!control.enabled}
           min={control.minimum}
           max={control.maximum}
-          value={value}
+          value={draft.value}
           onInput={(event) => {
-            const next = Number(event.currentTarget.value);
-            setDragged(next);
-            act(control, "change", { value: next });
+            const value = Number(event.currentTarget.value);
+            draft.edit(value);
+            sender.move(value);
           }}
-          onChange={() => setDragged(undefined)}
-          onBlur={() => setDragged(undefined)}
+          onChange={() => {
+            sender.flush();
+            draft.sent();
+          }}
         />
-        <output class="slider-value">{value}</output>
+        <output class="slider-value" for={id}>
+          {draft.value}
+        </output>
       </div>
-    </Field>
-  );
-}
-
-function ProgressView(props: ControlProps) {
-  const { control } = props;
-  const id = elementId(props);
-  return (
-    <Field id={id} label={control.caption} wide>
-      <progress id={id} {...marks(control)} title={tip(control)} max={control.maximum} value={control.value} />
     </Field>
   );
 }
@@ -247,8 +164,8 @@ function ButtonView({ control, act }: ControlProps) {
   return (
     <button
       type="button"
-      class={lampClass("command", control)}
-      style={lampStyle(control)}
+      class={`command${colourClass(control.colour)}`}
+      style={colourStyle(control.colour)}
       {...marks(control)}
       title={tip(control)}
       disabled={!control.enabled}
@@ -259,20 +176,20 @@ function ButtonView({ control, act }: ControlProps) {
   );
 }
 
-function PictureView(props: ControlProps) {
-  const Widget = widgets[props.control.widget ?? ""];
+function PictureView({ control, act }: ControlProps) {
+  const Widget = widgets[control.widget ?? ""];
   return (
-    <div class="picture" {...marks(props.control)} title={tip(props.control)}>
-      {Widget && <Widget control={props.control} act={props.act} />}
+    <div class="picture" {...marks(control)} title={tip(control)}>
+      {Widget && <Widget control={control} act={act} />}
     </div>
   );
 }
 
 const views: Record<Control["kind"], (props: ControlProps) => JSX.Element> = {
-  label: LabelView,
+  label: TextView,
   text_box: TextBoxView,
-  check_box: CheckView,
-  option_button: CheckView,
+  check_box: ChoiceView,
+  option_button: ChoiceView,
   combo_box: ComboView,
   list_box: ListView,
   slider: SliderView,

@@ -1,117 +1,138 @@
 // The control program's page: the open panels, their task bar, the message boxes and the state of the connection.
 import { render } from "preact";
-import { useEffect, useMemo, useReducer } from "preact/hooks";
-import { openSocket, type SocketState } from "../shared/socket";
+import { useEffect, useMemo, useRef } from "preact/hooks";
 import { BoxView } from "./box_view";
+import { isStale, linkOf, usePageLink } from "./page_link";
 import { PanelView } from "./panel_view";
-import type { PageMessage, ServerMessage, WindowInfo } from "./protocol";
-import { applyMessage, startState, type PageState } from "./state";
+import type { PageMessage, WindowInfo } from "./protocol";
+import type { PageState } from "./state";
 import "./page.css";
 
-// The program sends a beat twice a second.
-const silentAfterMs = 2500;
+type Send = (message: PageMessage) => void;
 
-type Change = { message: ServerMessage } | { socket: SocketState } | { silent: boolean };
-
-function change(state: PageState, what: Change): PageState {
-  if ("message" in what) {
-    return applyMessage(state, what.message);
-  }
-  if ("socket" in what) {
-    return { ...state, socket: what.socket, silent: false };
-  }
-  return state.silent === what.silent ? state : { ...state, silent: what.silent };
+// Keeps names in the order of their first appearance, so that nothing jumps about when another panel comes to the front.
+function useSteadyOrder(windows: WindowInfo[]): WindowInfo[] {
+  const known = useRef<string[]>([]);
+  return useMemo(() => {
+    const open = new Map(windows.map((window) => [window.name, window]));
+    known.current = known.current.filter((name) => open.has(name));
+    for (const name of open.keys()) {
+      if (!known.current.includes(name)) {
+        known.current.push(name);
+      }
+    }
+    return known.current.map((name) => open.get(name)!);
+  }, [windows]);
 }
 
-function usePage(): [PageState, (message: PageMessage) => void] {
-  const [state, dispatch] = useReducer(change, startState);
-  const socket = useMemo(() => {
-    let lastHeard = performance.now();
-    window.setInterval(() => dispatch({ silent: performance.now() - lastHeard > silentAfterMs }), 500);
-    return openSocket({
-      onMessage: (message) => {
-        lastHeard = performance.now();
-        dispatch({ silent: false });
-        dispatch({ message: message as ServerMessage });
-      },
-      onState: (socketState) => {
-        lastHeard = performance.now();
-        dispatch({ socket: socketState });
-      },
-    });
-  }, []);
-  return [state, socket.send];
-}
-
-function linkText(state: PageState): { text: string; kind: "good" | "wait" | "bad" } {
-  if (state.socket === "open") {
-    return state.silent ? { text: "Program silent", kind: "bad" } : { text: "Connected", kind: "good" };
-  }
-  return state.socket === "lost" ? { text: "Connection lost", kind: "bad" } : { text: "Connecting", kind: "wait" };
-}
-
-function TaskBar({ windows, front, send }: { windows: WindowInfo[]; front?: string; send: (message: PageMessage) => void }) {
-  // In the order of their names' first appearance, so that buttons don't jump about.
-  const ordered = [...windows].sort((a, b) => a.title.localeCompare(b.title));
+function TaskBar({ windows, front, send }: { windows: WindowInfo[]; front?: string; send: Send }) {
   return (
     <nav class="task-bar" aria-label="Open panels">
-      {ordered.map((window) => (
+      {windows.map((window) => (
         <button
           type="button"
           key={window.name}
           data-task={window.name}
-          class={window.state === "minimised" ? "task task-minimised" : "task"}
-          aria-pressed={window.name === front}
+          class={`task task-${window.state}`}
+          aria-current={window.name === front ? "true" : undefined}
+          title={window.state === "minimised" ? `Restore ${window.title}` : `Bring ${window.title} to the front`}
           onClick={() => send({ type: "activate", panel: window.name })}
         >
-          {window.title}
-          {window.state === "minimised" && <span class="task-note"> (minimised)</span>}
+          <span class="task-title">{window.title}</span>
+          {window.state === "minimised" && <span class="task-note">minimised</span>}
         </button>
       ))}
     </nav>
   );
 }
 
+function Head({ state }: { state: PageState }) {
+  const link = linkOf(state);
+  return (
+    <header class="page-head">
+      <h1>{state.program === "" ? "Cockpit" : state.program}</h1>
+      <span class={`link link-${link.kind}`} role="status" data-link={link.kind}>
+        {link.text}
+      </span>
+    </header>
+  );
+}
+
+function Banner({ state }: { state: PageState }) {
+  if (!isStale(state) || state.program === "") {
+    return null;
+  }
+  return (
+    <p class="banner" role="alert">
+      {state.socket === "open"
+        ? "The program does not answer. The values below may be old."
+        : "The connection to the program is lost. The values below are old. Connecting again by itself …"}
+    </p>
+  );
+}
+
+function emptyText(state: PageState): string {
+  if (state.program === "") {
+    return "Connecting to the program …";
+  }
+  return state.windows.length > 0 ? "All panels are minimised. Choose one above." : "No panel is open. The program keeps running.";
+}
+
+function Panels({ state, windows, send }: { state: PageState; windows: WindowInfo[]; send: Send }) {
+  const shown = windows.filter((window) => window.state === "shown" && state.panels.has(window.name));
+  const stale = isStale(state);
+  const front = state.windows.filter((window) => window.state === "shown").pop()?.name;
+  // Of modal panels only the front one can be worked.
+  const modal = state.windows.filter((window) => window.state === "shown" && window.modal).pop()?.name;
+
+  // A panel that comes to the front is brought into view.
+  useEffect(() => {
+    if (front !== undefined) {
+      document.querySelector(`[data-panel="${front}"]`)?.scrollIntoView({ block: "nearest" });
+    }
+  }, [front]);
+
+  return (
+    <main class={shown.length > 1 ? "panels panels-several" : "panels"}>
+      {shown.map((window) => (
+        <PanelView
+          key={window.name}
+          window={window}
+          panel={state.panels.get(window.name)!}
+          front={window.name === front}
+          blocked={modal !== undefined && window.name !== modal}
+          over={window.name === modal}
+          stale={stale}
+          send={send}
+        />
+      ))}
+      {shown.length === 0 && <p class="empty">{emptyText(state)}</p>}
+    </main>
+  );
+}
+
 function Page() {
-  const [state, send] = usePage();
-  const shown = state.windows.filter((window) => window.state === "shown").reverse();
-  const front = shown[0]?.name;
-  const stale = state.socket !== "open" || state.silent;
-  const link = linkText(state);
+  const [state, send] = usePageLink();
+  const windows = useSteadyOrder(state.windows);
+  const stale = isStale(state);
+  const front = state.windows.filter((window) => window.state === "shown").pop()?.name;
   const top = state.boxes[state.boxes.length - 1];
+  const canWork = state.socket === "open" && top === undefined;
 
   useEffect(() => {
-    document.title = state.program === "" ? "Cockpit" : state.program;
-  }, [state.program]);
+    const program = state.program === "" ? "Cockpit" : state.program;
+    document.title = top === undefined ? program : `(!) ${program}`;
+  }, [state.program, top === undefined]);
 
   return (
     <div class={stale ? "page stale" : "page"} data-stale={stale}>
-      <header class="page-head">
-        <h1>{state.program === "" ? "Cockpit" : state.program}</h1>
-        <span class={`link link-${link.kind}`} role="status" data-link={link.kind}>
-          {link.text}
-        </span>
-      </header>
-      {stale && state.program !== "" && (
-        <p class="banner" role="alert">
-          {state.socket === "open"
-            ? "The program does not answer. The values below may be old."
-            : "The connection to the program is lost. The values below are old. Trying again …"}
-        </p>
-      )}
-      <TaskBar windows={state.windows} front={front} send={send} />
-      <main>
-        {shown.map((window) => {
-          const panel = state.panels.get(window.name);
-          return panel && <PanelView key={window.name} window={window} panel={panel} front={window.name === front} send={send} />;
-        })}
-        {shown.length === 0 && (
-          <p class="empty">
-            {state.windows.length > 0 ? "All panels are minimised. Choose one above." : "No panel is open."}
-          </p>
-        )}
-      </main>
-      {top && <BoxView key={top.id} box={top} more={state.boxes.length - 1} send={send} />}
+      <Head state={state} />
+      <Banner state={state} />
+      <div inert={!canWork}>
+        <TaskBar windows={windows} front={front} send={send} />
+        <Panels state={state} windows={windows} send={send} />
+      </div>
+      {top && <BoxView key={top.id} box={top} more={state.boxes.length - 1} linked={state.socket === "open"} send={send} />}
     </div>
   );
 }
