@@ -6,7 +6,6 @@ import { dirname, join } from "node:path";
 import { fileURLToPath } from "node:url";
 
 const here = dirname(fileURLToPath(import.meta.url));
-const target = process.argv[2] ?? join(here, "dist");
 
 const contentTypes = {
   html: "text/html; charset=utf-8",
@@ -24,7 +23,8 @@ function literal(text) {
   return pieces.length === 0 ? '""' : pieces.join("\n");
 }
 
-async function bundle(name, folder, title) {
+// The files of a page: "page" is the panels' page, "bench" the virtual cockpit.
+export async function bundle(folder, title) {
   const result = await build({
     entryPoints: [join(here, "src", folder, "main.tsx")],
     bundle: true,
@@ -34,7 +34,7 @@ async function bundle(name, folder, title) {
     format: "iife",
     jsx: "automatic",
     jsxImportSource: "preact",
-    outfile: join(target, `${name}.js`),
+    outfile: `${folder}.js`,
     write: false,
     logLevel: "warning",
   });
@@ -68,10 +68,16 @@ function source(functionName, assets) {
   ].join("\n");
 }
 
-await mkdir(target, { recursive: true });
-for (const [name, folder, title] of [
-  ["page_assets", "page", "Cockpit"],
-  ["bench_assets", "bench", "Virtual cockpit"],
-]) {
-  await writeFile(join(target, `${name}.cpp`), source(name, await bundle(name, folder, title)));
+async function writeSources(target) {
+  await mkdir(target, { recursive: true });
+  for (const [name, folder, title] of [
+    ["page_assets", "page", "Cockpit"],
+    ["bench_assets", "bench", "Virtual cockpit"],
+  ]) {
+    await writeFile(join(target, `${name}.cpp`), source(name, await bundle(folder, title)));
+  }
+}
+
+if (process.argv[1] === fileURLToPath(import.meta.url)) {
+  await writeSources(process.argv[2] ?? join(here, "dist"));
 }

@@ -75,9 +75,7 @@ function Tabs({ panel, nodes, act }: { panel: PanelState; nodes: LayoutNode[]; a
 }
 
 // A row of nothing but labels right above a list holds the list's column headings.
-function isHeadings(panel: PanelState, nodes: LayoutNode[], index: number): boolean {
-  const node = nodes[index]!;
-  const below = nodes[index + 1];
+function isHeadings(panel: PanelState, node: LayoutNode, below: LayoutNode | undefined): boolean {
   return (
     node.kind === "row" &&
     below !== undefined &&
@@ -86,52 +84,55 @@ function isHeadings(panel: PanelState, nodes: LayoutNode[], index: number): bool
   );
 }
 
-// Several frames below each other share the width where there is enough of it.
-function groupFrames(nodes: LayoutNode[]): LayoutNode[][] {
-  const groups: LayoutNode[][] = [];
-  for (const node of nodes) {
+interface Group {
+  shape: "frames" | "headed" | "alone";
+  nodes: LayoutNode[];
+}
+
+// What stands together in a column: frames share the width where there is enough of it, headings belong to their list.
+function groupsOf(panel: PanelState, nodes: LayoutNode[]): Group[] {
+  const groups: Group[] = [];
+  nodes.forEach((node, index) => {
     const last = groups[groups.length - 1];
-    if (node.kind === "frame" && last?.[0]?.kind === "frame") {
-      last.push(node);
+    if (last?.shape === "headed" && last.nodes.length === 1) {
+      last.nodes.push(node);
+    } else if (isHeadings(panel, node, nodes[index + 1])) {
+      groups.push({ shape: "headed", nodes: [node] });
+    } else if (node.kind === "frame" && last?.shape === "frames") {
+      last.nodes.push(node);
     } else {
-      groups.push([node]);
+      groups.push({ shape: node.kind === "frame" ? "frames" : "alone", nodes: [node] });
     }
-  }
+  });
   return groups;
 }
 
 function Stack({ panel, nodes, act }: { panel: PanelState; nodes: LayoutNode[]; act: Act }) {
   return (
     <>
-      {groupFrames(nodes).map((group, index) => {
-        const node = group[0]!;
-        if (group.length > 1) {
-          return (
-            <div class="frames" key={index}>
-              <Children panel={panel} nodes={group} act={act} />
-            </div>
-          );
-        }
-        if (isHeadings(panel, nodes, nodes.indexOf(node)) && node.kind !== "control") {
-          return (
-            <div class="headings" key={index}>
-              <Children panel={panel} nodes={node.children} act={act} />
-            </div>
-          );
-        }
-        return <NodeView key={index} panel={panel} node={node} act={act} />;
-      })}
+      {groupsOf(panel, nodes).map(({ shape, nodes: members }, index) =>
+        members.length === 1 ? (
+          <NodeView key={index} panel={panel} node={members[0]!} act={act} />
+        ) : (
+          <div class={shape} key={index}>
+            <Children panel={panel} nodes={members} act={act} />
+          </div>
+        ),
+      )}
     </>
   );
 }
 
-const readoutKinds = new Set(["text_box", "indicator", "combo_box"]);
+const fieldKinds = new Set(["text_box", "indicator", "combo_box"]);
 
-// Rows of fields alone line up with each other.
+// Rows of labels or of fields alone have a shape of their own.
 function rowClass(panel: PanelState, nodes: LayoutNode[]): string {
+  if (nodes.every((node) => controlOf(panel, node)?.kind === "label")) {
+    return "row row-labels";
+  }
   const fields = nodes.every((node) => {
     const control = controlOf(panel, node);
-    return control !== undefined && readoutKinds.has(control.kind) && control.caption !== "";
+    return control !== undefined && fieldKinds.has(control.kind) && control.caption !== "";
   });
   return fields ? "row row-fields" : "row";
 }
