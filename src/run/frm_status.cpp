@@ -97,7 +97,8 @@ void frmStatus::set_handlers() {
     cmdStop.on_click = [this] { cmdStop_Click(); };
     cmdconfig.on_click = [this] { cmdconfig_Click(); };
     CmdExit.on_click = [this] { CmdExit_Click(); };
-    cmdHide.on_click = [this] { panels_.hide(*this); };
+    // Out of sight, but not out of reach: the task bar brings the panel back.
+    cmdHide.on_click = [this] { panels_.minimise(*this); };
     cmdShowPorts.on_click = [this] { panels_.show(sim_com_); };
     cmdShowECStatus.on_click = [this] { panels_.show("frmStatusEC"); };
     cmdShowIOM.on_click = [this] { panels_.show("frmStatusIOM"); };

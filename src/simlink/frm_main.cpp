@@ -29,7 +29,7 @@ int number_of(const std::string& text) {
 }  // namespace
 
 frmMain::frmMain(const StartParts& parts)
-    : Panel("frmMain", tables::kProgramName),
+    : Panel("frmMain", "Start"),
       frmMainConnection(*this, "frmMainConnection", "FS link status:"),
       lblSim(*this, "lblSim", "Connected simulator:"),
       LabelFSUIPC(*this, "LabelFSUIPC", "FSUIPC Version:"),

@@ -27,9 +27,10 @@ std::string three_digits(int number) {
 SimCom::SimCom(tables::CoreTables& tables, IpcClient& client, const platform::Platform& platform,
                panel::PanelHost& panels)
     : panel::Panel("SimCom", "Active Offsets"),
-      LabelPort(*this, "LabelPort", "Port#"),
-      LabelUsedBy(*this, "LabelUsedBy", "Used by"),
-      LabelFunction(*this, "LabelFunction", "Func.#"),
+      // The blanks set each heading above its column of the list.
+      LabelPort(*this, "LabelPort", "Port#       "),
+      LabelUsedBy(*this, "LabelUsedBy", "Used by          "),
+      LabelFunction(*this, "LabelFunction", "Func.#           "),
       LabelFunctionName(*this, "LabelFunctionName", "Func. Name"),
       OffsetsList(*this, "OffsetsList", "Active Offsets"),
       CmdClose(*this, "CmdClose", "Close"),

@@ -1,6 +1,7 @@
 #include "web/http_server.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "support/failure.h"
 #include "web/http_session.h"
@@ -11,6 +12,9 @@ namespace asio = boost::asio;
 using boost::system::error_code;
 
 namespace {
+
+// How long the server waits when the system gives it no further connection (no free descriptors).
+constexpr std::chrono::milliseconds kAcceptRetry{250};
 
 // Binds the first free port of the range.
 asio::ip::tcp::acceptor listen(asio::io_context& context, ServerPorts ports) {
@@ -58,7 +62,7 @@ void HttpServer::Shared::closed(PageSession* page) {
 }
 
 HttpServer::HttpServer(asio::io_context& context, ServerPorts ports, std::span<const Asset> assets)
-    : acceptor_(listen(context, ports)), shared_(std::make_shared<Shared>()) {
+    : acceptor_(listen(context, ports)), retry_(context), shared_(std::make_shared<Shared>()) {
     shared_->server = this;
     shared_->host = "127.0.0.1:" + std::to_string(acceptor_.local_endpoint().port());
     shared_->assets = assets;
@@ -82,10 +86,24 @@ void HttpServer::accept() {
         if (shared->server == nullptr || error == asio::error::operation_aborted) {
             return;
         }
-        if (!error && shared->connections < kMostConnections) {
+        if (error) {
+            accept_later();
+            return;
+        }
+        // One connection too many is closed at once, by the end of its socket.
+        if (shared->connections < kMostConnections) {
             std::make_shared<HttpSession>(std::move(socket), shared)->read();
         }
         accept();
+    });
+}
+
+void HttpServer::accept_later() {
+    retry_.expires_after(kAcceptRetry);
+    retry_.async_wait([this, shared = shared_](error_code error) {
+        if (!error && shared->server != nullptr) {
+            accept();
+        }
     });
 }
 

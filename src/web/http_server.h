@@ -2,6 +2,7 @@
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -55,8 +56,10 @@ class HttpServer {
 
   private:
     void accept();
+    void accept_later();
 
     boost::asio::ip::tcp::acceptor acceptor_;
+    boost::asio::steady_timer retry_;
     std::shared_ptr<Shared> shared_;
 };
 

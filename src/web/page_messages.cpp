@@ -1,5 +1,6 @@
 #include "web/page_messages.h"
 
+#include <algorithm>
 #include <array>
 #include <boost/json.hpp>
 #include <limits>
@@ -37,6 +38,10 @@ std::string text_of(const json::object& message, std::string_view key, std::size
     std::string decoded = from_utf8(std::string_view(text.data(), text.size()));
     if (decoded.size() > longest) {
         throw Refusal{std::string(key) + " is too long"};
+    }
+    // The fields of the panels have one line, and a line end would break the file that they are saved in.
+    if (std::any_of(decoded.begin(), decoded.end(), [](char byte) { return byte >= 0 && byte < ' '; })) {
+        throw Refusal{std::string(key) + " holds a control character"};
     }
     return decoded;
 }

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <boost/asio/steady_timer.hpp>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "panel/panel_host.h"
@@ -32,6 +35,15 @@ class Presenter {
     void turn();
     void send_newly_shown_panels();
     void send_snapshot(PageSession& page) const;
+    void send_changes(panel::Panel& panel);
+    void send_windows();
+    void send_boxes();
+    void send_beat();
+    // Null when no such panel is open, or a modal panel stands before it.
+    panel::Panel* workable(std::string_view name) const;
+    // Queues a user's command for a panel that can be worked then.
+    void command(std::string panel_name, std::function<void(panel::Panel&)> work);
+    bool answer_box(const AnswerMessage& message);
     void take(std::string_view text);
     void carry_out(const ControlMessage& message);
     void carry_out(const WindowMessage& message);
@@ -50,6 +62,7 @@ class Presenter {
     bool boxes_changed_ = false;
     unsigned turns_ = 0;
     std::uint64_t beats_ = 0;
+    int answers_in_hand_ = 0;
     std::uint64_t refused_messages_ = 0;
 };
 

@@ -40,6 +40,12 @@ std::size_t sequence_length(unsigned first) {
     return first >= 0xF0 && first < 0xF5 ? 4 : 0;
 }
 
+// The smallest character that needs a sequence of this length; a smaller one in it is no UTF-8.
+std::uint32_t smallest_of(std::size_t length) {
+    constexpr std::array<std::uint32_t, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
+    return kSmallest[length];
+}
+
 }  // namespace
 
 void append_utf8(std::string& out, std::string_view windows_1252) {
@@ -83,6 +89,7 @@ std::string from_utf8(std::string_view utf8) {
             good = good && (byte & 0xC0U) == 0x80U;
             character = (character << 6) | (byte & 0x3FU);
         }
+        good = good && character >= smallest_of(length);
         out.push_back(good ? byte_of(character) : '?');
         at += good ? length : 1;
     }

@@ -92,7 +92,7 @@ export function portPanel() {
     [
       control("label", "LabelPort", { text: "Port#       " }),
       control("label", "LabelUsedBy", { text: "Used by          " }),
-      control("label", "LabelFunction", { text: "Func.#             " }),
+      control("label", "LabelFunction", { text: "Func.#           " }),
       control("label", "LabelFunctionName", { text: "Func. Name" }),
       control("list_box", "OffsetsList", { caption: "Active Offsets", value: -1, items }),
       button("CmdClose", "Close"),

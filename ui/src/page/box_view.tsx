@@ -97,7 +97,7 @@ export function BoxView({ box, more, linked, send }: BoxProps) {
         onKeyDown={onKeyDown}
       >
         <p id="box-text" class="box-text">
-          {box.text}
+          {box.text.replace(/\r\n?/g, "\n")}
         </p>
         {box.kind === "input" && (
           <input

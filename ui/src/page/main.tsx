@@ -71,11 +71,22 @@ function Banner({ state }: { state: PageState }) {
   );
 }
 
-function emptyText(state: PageState): string {
+// What stands there when no panel is shown: the way back to those that are minimised.
+function Empty({ state, windows, send }: { state: PageState; windows: WindowInfo[]; send: Send }) {
   if (state.program === "") {
-    return "Connecting to the program …";
+    return <p class="empty">Connecting to the program …</p>;
   }
-  return state.windows.length > 0 ? "All panels are minimised. Choose one above." : "No panel is open. The program keeps running.";
+  return (
+    <div class="empty">
+      <p>{windows.length > 0 ? "The program is running. Its panels are minimised." : "No panel is open. The program keeps running."}</p>
+      {windows.map((window) => (
+        <button type="button" class="restore" key={window.name} onClick={() => send({ type: "activate", panel: window.name })}>
+          {window.title}
+          <span>Show this panel</span>
+        </button>
+      ))}
+    </div>
+  );
 }
 
 function Panels({ state, windows, send }: { state: PageState; windows: WindowInfo[]; send: Send }) {
@@ -106,7 +117,7 @@ function Panels({ state, windows, send }: { state: PageState; windows: WindowInf
           send={send}
         />
       ))}
-      {shown.length === 0 && <p class="empty">{emptyText(state)}</p>}
+      {shown.length === 0 && <Empty state={state} windows={windows} send={send} />}
     </main>
   );
 }
