@@ -166,6 +166,20 @@ void GaugeBus::open_port_if_closed() {
     MSComm1_->open();
 }
 
+void GaugeBus::retry_open() {
+    if (MSComm1_->is_open() || tables_.GaugeBusPort1 < 1) {
+        return;
+    }
+    try {
+        open_port_if_closed();
+    } catch (const support::Failure&) {
+        return;
+    }
+    if (on_fresh_link) {
+        on_fresh_link();
+    }
+}
+
 void GaugeBus::reset_link() {
     // A single frame that waits to be sent is kept.
     if (tables_.TxPending != 1) {

@@ -73,9 +73,12 @@ class GaugeBus : public PortOwner {
     void reset_link() override;
     void link_opened() override;
 
+    // Opens the port if it is closed and has a number. Quiet when that fails: its opening by OpenAllPorts has told.
+    void retry_open();
+
     // Called with every well-formed report, halted or running, in a receive event.
     std::function<void(const GaugeReport&)> on_report;
-    // Called when the port is fresh: opened by OpenAllPorts, or plugged in again.
+    // Called when the port is fresh: opened by OpenAllPorts or a retry, or plugged in again.
     std::function<void()> on_fresh_link;
 
   private:

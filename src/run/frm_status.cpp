@@ -276,6 +276,10 @@ void frmStatus::CmdExit_Click() {
 }
 
 void frmStatus::Timer1_Timer() {
+    if (Running_ == 1) {
+        // The controller was not there when the run started; it may have been plugged in meanwhile.
+        gauge_bus_.retry_open();
+    }
     show_statistics();
     TickCount_ = 0;
     ClusterState& cluster = context_.cluster;

@@ -102,6 +102,9 @@ void frmStatus::set_up_gauges() {
         if (row == nullptr || context_.entry(index).ActiveGaugeId == 0) {
             continue;
         }
+        tables::GaugeRow& gauge = context_.gauge(index);
+        gauge.GaugeWritePort1 = gauge.GaugeWritePort2 = tables::kNoWritePort;
+        gauge.GaugeWritePort3 = gauge.GaugeWritePort4 = tables::kNoWritePort;
         context_.entry(index).OnAvionicsBus = row->lights == LightBus::avionics ? 1 : 0;
         if (row->set_up != nullptr) {
             row->set_up(context_, index);

@@ -12,7 +12,7 @@ class RunParticipant {
   public:
     virtual ~RunParticipant() = default;
     // Whether the configuration gives this unit a port. Nothing below is called when it does not.
-    virtual bool hasPort() const = 0;
+    virtual bool hasPort() const = 0;  // NOLINT(readability-identifier-naming): the system's own word
     // Opens the unit's serial port while the run's lists are being built; only the IO modules do this here.
     virtual void OpenCommPort() {}
     // Opens the unit's simulator ports, last of all, while the run's lists are being built.

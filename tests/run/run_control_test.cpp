@@ -124,6 +124,11 @@ TEST(RunControl, a_run_starts_without_its_port) {
     EXPECT_TRUE(world.status.running());
     EXPECT_EQ(world.machine.boxes.shown().size(), 1U);
     EXPECT_EQ(world.status.frmXferCount.text.get(), "25");
+    // The controller is plugged in later: the run finds it by itself and shows the whole picture.
+    world.wire.faults.missing = false;
+    world.advance(1100);
+    EXPECT_EQ(world.take_frames(), (std::vector<Sent>{{1, 5, 0}}));
+    EXPECT_EQ(world.machine.boxes.shown().size(), 1U);
 }
 
 TEST(RunControl, the_lists_hold_the_gauges_in_order_and_the_ports_are_opened_once) {
