@@ -1,5 +1,7 @@
 #include "bench/bench_commands.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <optional>
 
@@ -43,8 +45,8 @@ std::string no_such_device(std::string_view word) {
 
 }  // namespace
 
-const std::vector<BenchCommands::Row>& BenchCommands::rows() {
-    static const std::vector<Row> kRows = {
+std::span<const BenchCommands::Row> BenchCommands::rows() {
+    static constexpr std::array<Row, 9> kRows = {{
         {"unplug", 2, 2, "unplug PORT              pull the cable of a line", &BenchCommands::unplug},
         {"plug", 2, 2, "plug PORT                put it in again", &BenchCommands::plug},
         {"power", 2, 2, "power PORT               switch all devices of a line off and on", &BenchCommands::power},
@@ -57,7 +59,7 @@ const std::vector<BenchCommands::Row>& BenchCommands::rows() {
         {"turn", 4, 4, "turn ID CONTROL CLICKS   turn a knob or set a switch", &BenchCommands::turn},
         {"help", 1, 1, "help                     this list", &BenchCommands::show_help},
         {"quit", 1, 1, "quit                     end the bench", &BenchCommands::quit},
-    };
+    }};
     return kRows;
 }
 

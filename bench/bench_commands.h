@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,7 +38,7 @@ class BenchCommands {
         std::string_view usage;
         std::string (BenchCommands::*handler)(const Words& words);
     };
-    static const std::vector<Row>& rows();
+    static std::span<const Row> rows();
     std::string attempt(const Row& row, const Words& words);
 
     std::string unplug(const Words& words);

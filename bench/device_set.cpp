@@ -69,7 +69,7 @@ FacePrint print_face(const CoreTables& tables, const tables::GaugeRow& row) {
 
 }  // namespace
 
-DeviceSet::DeviceSet(platform::EventLoop& loop, const CoreTables& tables, ReplyTiming timing) : loop_(loop) {
+DeviceSet::DeviceSet(platform::EventLoop& loop, const CoreTables& tables, ReplyTiming timing) {
     if (tables.GaugeBusPort1 > 0) {
         auto controller = std::make_unique<BusController>(loop, timing);
         BusController& bus = *controller;
@@ -115,9 +115,8 @@ BusController* DeviceSet::bus_with(int id) const {
 }
 
 const FacePrint& DeviceSet::print_of(const Device& device) const {
-    static const FacePrint kBlank;
     const auto found = prints_.find(&device);
-    return found == prints_.end() ? kBlank : found->second;
+    return found == prints_.end() ? blank_print_ : found->second;
 }
 
 std::uint64_t DeviceSet::layout_version() const {

@@ -60,9 +60,9 @@ class DeviceSet {
     void add_line(int port, const char* role, std::unique_ptr<LineDevice> device, BusController* bus);
     void add_gauges(const tables::CoreTables& tables, BusController& bus);
 
-    platform::EventLoop& loop_;
     std::vector<BenchLine> lines_;
     std::map<const Device*, FacePrint> prints_;
+    FacePrint blank_print_;
 };
 
 // A small cockpit for a folder without a configuration: port 1 with one gauge of each type 1 to 6, ids 1 to 6.
