@@ -76,6 +76,9 @@ void PosixLoop::set_wake_up(TimePoint due) {
 }
 
 void PosixLoop::wait(std::optional<TimePoint> until) {
+    if (stopped()) {
+        return;  // a handler has stopped the loop after it last looked
+    }
     if (until) {
         set_wake_up(*until);
     }
