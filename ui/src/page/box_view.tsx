@@ -31,20 +31,13 @@ interface BoxProps {
   send: (message: PageMessage) => void;
 }
 
-// Gives the keyboard to the box, and back to where it was.
 function useKeyboard(root: { current: HTMLElement | null }) {
   useEffect(() => {
-    const before = document.activeElement;
     const first = root.current?.querySelector<HTMLElement>("input, button");
     first?.focus();
     if (first instanceof HTMLInputElement) {
       first.select();
     }
-    return () => {
-      if (before instanceof HTMLElement && before.isConnected) {
-        before.focus({ preventScroll: true });
-      }
-    };
   }, []);
 }
 

@@ -25,9 +25,9 @@ function useSteadyOrder(windows: WindowInfo[]): WindowInfo[] {
   }, [windows]);
 }
 
-function TaskBar({ windows, front, send }: { windows: WindowInfo[]; front?: string; send: Send }) {
+function TaskBar({ windows, front, rests, send }: { windows: WindowInfo[]; front?: string; rests: boolean; send: Send }) {
   return (
-    <nav class="task-bar" aria-label="Open panels">
+    <nav class="task-bar" aria-label="Open panels" inert={rests}>
       {windows.map((window) => (
         <button
           type="button"
@@ -89,12 +89,14 @@ function Empty({ state, windows, send }: { state: PageState; windows: WindowInfo
   );
 }
 
-function Panels({ state, windows, send }: { state: PageState; windows: WindowInfo[]; send: Send }) {
+function frontOf(windows: WindowInfo[]): string | undefined {
+  return windows.filter((window) => window.state === "shown").pop()?.name;
+}
+
+function Panels({ state, windows, modal, send }: { state: PageState; windows: WindowInfo[]; modal?: string; send: Send }) {
   const shown = windows.filter((window) => window.state === "shown" && state.panels.has(window.name));
   const stale = isStale(state);
-  const front = state.windows.filter((window) => window.state === "shown").pop()?.name;
-  // Of modal panels only the front one can be worked.
-  const modal = state.windows.filter((window) => window.state === "shown" && window.modal).pop()?.name;
+  const front = frontOf(state.windows);
 
   // A panel that comes to the front is brought into view.
   useEffect(() => {
@@ -122,13 +124,35 @@ function Panels({ state, windows, send }: { state: PageState; windows: WindowInf
   );
 }
 
+// While the panels rest they lose the keyboard; afterwards it goes back to where it was.
+function useKeyboardKept(rests: boolean) {
+  const last = useRef<HTMLElement>();
+  useEffect(() => {
+    const note = (event: FocusEvent) => {
+      if (event.target instanceof HTMLElement && !event.target.closest("[data-box]")) {
+        last.current = event.target;
+      }
+    };
+    document.addEventListener("focusin", note);
+    return () => document.removeEventListener("focusin", note);
+  }, []);
+  useEffect(() => {
+    if (!rests && document.activeElement === document.body && last.current?.isConnected) {
+      last.current.focus({ preventScroll: true });
+    }
+  }, [rests]);
+}
+
 function Page() {
   const [state, send] = usePageLink();
   const windows = useSteadyOrder(state.windows);
   const stale = isStale(state);
-  const front = state.windows.filter((window) => window.state === "shown").pop()?.name;
+  // While a modal panel is open only the front one of these can be worked.
+  const modal = frontOf(state.windows.filter((window) => window.modal));
   const top = state.boxes[state.boxes.length - 1];
   const canWork = state.socket === "open" && top === undefined;
+
+  useKeyboardKept(!canWork);
 
   useEffect(() => {
     const program = state.program === "" ? "Cockpit" : state.program;
@@ -140,8 +164,8 @@ function Page() {
       <Head state={state} />
       <Banner state={state} />
       <div inert={!canWork}>
-        <TaskBar windows={windows} front={front} send={send} />
-        <Panels state={state} windows={windows} send={send} />
+        <TaskBar windows={windows} front={frontOf(state.windows)} rests={modal !== undefined} send={send} />
+        <Panels state={state} windows={windows} modal={modal} send={send} />
       </div>
       {top && <BoxView key={top.id} box={top} more={state.boxes.length - 1} linked={state.socket === "open"} send={send} />}
     </div>

@@ -1,0 +1,16 @@
+// The pages' tests in Chromium. Usage: node tests/ui/run.mjs FOLDER    (the folder that holds cockpit, bench and simhost)
+import { openBrowser } from "./browser.mjs";
+import { CaseRunner } from "./case_runner.mjs";
+import { runFlightCases } from "./flight_cases.mjs";
+import { runPageCases } from "./page_cases.mjs";
+
+const folder = process.argv[2] ?? "out";
+const runner = new CaseRunner("build.d/pictures");
+const browser = await openBrowser();
+try {
+  await runPageCases(runner, browser);
+  await runFlightCases(runner, browser, folder);
+} finally {
+  await browser.close();
+}
+process.exit(runner.summary() ? 0 : 1);
