@@ -53,6 +53,7 @@ frmStatus::frmStatus(const RunParts& parts)
       BoxXferProcessTimer(*this, "BoxXferProcessTimer", "Interval (ms)"),
       frmXferCount(*this, "frmXferCount", "Updates per second"),
       boxNrofOffsets(*this, "boxNrofOffsets", "Simulator ports open"),
+      boxSimulator(*this, "boxSimulator", "Simulator"),
       boxGaugePort(*this, "boxGaugePort", "Gauge bus"),
       boxLongestTick(*this, "boxLongestTick", "Longest update (ms)"),
       boxMissedTicks(*this, "boxMissedTicks", "Updates missed"),
@@ -136,6 +137,7 @@ void frmStatus::set_tool_tips() {
     BoxXferProcessTimer.tool_tip = "Time between gauge updates in milliseconds";
     frmXferCount.tool_tip = "Gauge updates in the last second";
     boxNrofOffsets.tool_tip = "Number of simulator values that are being read or written";
+    boxSimulator.tool_tip = "Whether the simulator answers; it is looked for again by itself";
     boxGaugePort.tool_tip = "Serial port of the gauge bus";
     boxLongestTick.tool_tip = "Longest time that one gauge update has taken, in milliseconds";
     boxMissedTicks.tool_tip = "Gauge updates that came too late and were left out";
@@ -144,15 +146,14 @@ void frmStatus::set_tool_tips() {
 // Label37 bears the same name as BoxCurrentConfig and has no place of its own.
 void frmStatus::arrange() {
     set_layout(panel::column({
-        panel::row({BoxRun, BoxCurrentConfig, LabelVersion}),
+        panel::row({BoxRun, boxSimulator, boxGaugePort, BoxCurrentConfig, LabelVersion}),
         panel::row({cmdRun, cmdStop, cmdconfig, cmdHide, CmdExit}),
         panel::row({cmdShowPorts, cmdShowECStatus, cmdShowIOM, cmdShowIOM2, CmdShowYokes}),
-        panel::frame("Flight", {panel::row({BoxIAS, boxAltitude, BoxVS}), panel::row({BoxHea, boxCompass}),
-                                panel::row({boxPitch, boxBank}), panel::row({BoxAirPressHg, BoxAirPressmBar})}),
+        panel::frame("Flight", {panel::row({BoxIAS, boxAltitude, BoxVS, BoxHea, boxCompass}),
+                                panel::row({boxPitch, boxBank, BoxAirPressHg, BoxAirPressmBar})}),
         panel::frame("Aircraft", {panel::row({boxVoltage, BoxInstrLights, boxNavLights})}),
-        panel::frame("Gauge updates",
-                     {panel::row({SliderXferTimer, BoxXferProcessTimer}),
-                      panel::row({boxGaugePort, boxNrofOffsets, frmXferCount, boxLongestTick, boxMissedTicks})}),
+        panel::frame("Gauge updates", {panel::row({SliderXferTimer, BoxXferProcessTimer}),
+                                       panel::row({boxNrofOffsets, frmXferCount, boxLongestTick, boxMissedTicks})}),
     }));
 }
 
@@ -294,16 +295,27 @@ void frmStatus::Timer1_Timer() {
 
 void frmStatus::show_statistics() {
     frmXferCount.text = std::to_string(TickCount_);
-    const platform::SerialPort& port = gauge_bus_.serial_port();
-    if (tables_.GaugeBusPort1 < 1) {
-        boxGaugePort.text = "None";
-    } else {
-        const char* const state = !port.is_open() ? " closed" : port.connected() ? " open" : " unplugged";
-        boxGaugePort.text = "COM" + std::to_string(tables_.GaugeBusPort1) + state;
-    }
+    show_links();
     const std::chrono::duration<double, std::milli> longest_ms = ProcessTimer.longest_run();
     show_number(boxLongestTick, longest_ms.count(), "0.0");
     boxMissedTicks.text = std::to_string(ProcessTimer.missed_periods());
+}
+
+// What a user who looks for a fault asks first: is the simulator there, is the gauge bus there?
+void frmStatus::show_links() {
+    const bool lost = sim_com_.last_answer().has_value() && !sim_com_.link_alive();
+    boxSimulator.text = sim_com_.link_alive() ? "Answers" : lost ? "Silent" : "Not read";
+    boxSimulator.colour = sim_com_.link_alive() ? panel::kGreen : lost ? panel::kRed : panel::kDefaultColour;
+
+    const platform::SerialPort& port = gauge_bus_.serial_port();
+    if (tables_.GaugeBusPort1 < 1) {
+        boxGaugePort.text = "None";
+        boxGaugePort.colour = panel::kDefaultColour;
+        return;
+    }
+    const char* const state = !port.is_open() ? " closed" : port.connected() ? " open" : " unplugged";
+    boxGaugePort.text = "COM" + std::to_string(tables_.GaugeBusPort1) + state;
+    boxGaugePort.colour = !port.is_open() ? panel::kDefaultColour : port.connected() ? panel::kGreen : panel::kRed;
 }
 
 void frmStatus::SliderXferTimer_Change() {

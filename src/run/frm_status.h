@@ -95,7 +95,8 @@ class frmStatus : public panel::Panel {
     panel::TextBox BoxXferProcessTimer;
     panel::TextBox frmXferCount;
     panel::TextBox boxNrofOffsets;
-    panel::TextBox boxGaugePort;
+    panel::Indicator boxSimulator;
+    panel::Indicator boxGaugePort;
     panel::TextBox boxLongestTick;
     panel::TextBox boxMissedTicks;
 
@@ -118,6 +119,7 @@ class frmStatus : public panel::Panel {
     void Timer1_Timer();
     void SliderXferTimer_Change();
     void show_statistics();
+    void show_links();
     void start_gauges();
     // Calls every unit that has a port, in the given order.
     template <typename Call>
