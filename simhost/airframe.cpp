@@ -21,18 +21,20 @@ constexpr double kElevatorThrow = 0.45;
 constexpr double kAileronThrow = 0.30;
 constexpr double kRudderThrow = 0.28;
 constexpr double kTrimThrow = 0.22;
+constexpr double kNoseWheelThrow = 0.45;  // at a walk; less at speed
 
 constexpr double kStallAngle = 0.29;
 constexpr double kStallWarningAngle = 0.225;
 constexpr double kStallWarningReset = 0.205;
 
-// Wheels: the struts sink 8 cm under the weight; the nose rests a little high.
-constexpr double kStrutSinkM = 0.08;
+// Wheels: the struts sink 12 cm under the weight; the nose rests a little high.
+constexpr double kStrutSinkM = 0.12;
 constexpr double kStrutStiffness = kMassKg * kGravity / kStrutSinkM;
-constexpr double kStrutDamping = 1.1 * kMassKg * 11.0;
+constexpr double kStrutDamping = 1.2 * kMassKg * 9.0;
 constexpr double kRestPitch = 0.035;
 constexpr double kMainWheelArmM = 0.28;
 constexpr double kWheelBaseM = 1.7;
+constexpr double kTyreGrip = 4.0;  // metres a second squared
 
 constexpr double kSeaLevelDensity = 1.225;
 
@@ -160,7 +162,9 @@ void Airframe::add_ground_forces(const AirframeInputs& inputs, const Axes& axes,
     if (!touched) {
         return;
     }
-    const double carried = std::max(0.0, kStrutStiffness * sink - kStrutDamping * climb_);
+    // A strut damps the more the deeper it sinks, so that the first touch is soft.
+    const double damping = kStrutDamping * std::min(1.0, sink / kStrutSinkM);
+    const double carried = std::max(0.0, kStrutStiffness * sink - damping * climb_);
     forces.down -= carried;
     wheel_load_ = std::min(carried / (kMassKg * kGravity), 1.5);
 
@@ -168,7 +172,7 @@ void Airframe::add_ground_forces(const AirframeInputs& inputs, const Axes& axes,
     const double sideways = -v_north_ * std::sin(heading_) + v_east_ * std::cos(heading_);
     const double rolling = wheel_load_ * kMassKg * kGravity * (0.015 + 0.42 * inputs.brakes);
     const double braking = -rolling * std::tanh(forward / 0.08);
-    const double gripping = -wheel_load_ * kMassKg * 9.0 * sideways;
+    const double gripping = -wheel_load_ * kMassKg * std::clamp(9.0 * sideways, -kTyreGrip, kTyreGrip);
     forces.north += braking * std::cos(heading_) - gripping * std::sin(heading_);
     forces.east += braking * std::sin(heading_) + gripping * std::cos(heading_);
 
@@ -217,7 +221,7 @@ void Airframe::steer_on_ground(const AirframeInputs& inputs, double dt_s) {
         return;
     }
     const double forward = forward_speed_mps();
-    const double steer = inputs.rudder * 0.75 / (1.0 + forward * forward / 36.0);
+    const double steer = inputs.rudder * kNoseWheelThrow / (1.0 + forward * forward / 36.0);
     const double wanted_rate = forward * std::tan(steer) / kWheelBaseM;
     // A wheel that hardly rolls holds its ground; a rolling one follows in a moment.
     const double grip_s = 0.02 + 0.10 * std::min(1.0, std::abs(forward) / 2.0);

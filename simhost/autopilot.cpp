@@ -40,8 +40,11 @@ StickWish AttitudeLoops::hold(double pitch_deg, double bank_deg, const Airframe&
 
 double AttitudeLoops::pitch_for_climb(double climb_mps, const Airframe& airframe, double dt_s) {
     const double error_mps = climb_mps - airframe.climb_mps();
-    pitch_held_deg_ = std::clamp(pitch_held_deg_ + 0.40 * std::clamp(error_mps, -3.0, 3.0) * dt_s, -9.0, 13.0);
-    return std::clamp(pitch_held_deg_ + 0.75 * std::clamp(error_mps, -5.0, 5.0), -9.0, 13.0);
+    // The slower the flight, the more pitch a change of climb needs.
+    const double effect = 50.0 / std::max(25.0, airframe.true_airspeed_mps());
+    const double learned = 0.50 * effect * std::clamp(error_mps, -3.0, 3.0) * dt_s;
+    pitch_held_deg_ = std::clamp(pitch_held_deg_ + learned, -9.0, 13.0);
+    return std::clamp(pitch_held_deg_ + 0.85 * effect * std::clamp(error_mps, -5.0, 5.0), -9.0, 13.0);
 }
 
 double AttitudeLoops::bank_for_heading(double heading_deg, double limit_deg, const Airframe& airframe) {

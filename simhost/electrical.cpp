@@ -7,6 +7,7 @@ namespace simhost {
 namespace {
 
 constexpr double kBatteryAmpHours = 24.0;
+constexpr double kDead = 0.001;
 constexpr double kBatteryOhms = 0.035;
 constexpr double kAlternatorMaximumAmps = 60.0;
 
@@ -41,7 +42,7 @@ void Electrical::step(const Controls& controls, const Engine& engine, double dt_
     const bool alternating = controls.alternator && controls.battery && engine.running();
     const double available = alternating ? kAlternatorMaximumAmps * speed_share : 0.0;
     alternator_volts_ =
-        lag(alternator_volts_, alternating ? 28.2 * std::min(1.0, 0.85 + speed_share) : 0.0, 0.15, dt_s);
+        lag(alternator_volts_, alternating ? 28.2 * std::min(1.0, 0.85 + speed_share) : 0.0, 0.45, dt_s);
 
     const double bus_load = controls.battery ? wanted_amps(controls, engine) : 0.0;
     const double radio_load = controls.battery && controls.avionics ? 6.5 : 0.0;
@@ -57,7 +58,8 @@ void Electrical::step(const Controls& controls, const Engine& engine, double dt_
     battery_volts_ = lag(battery_volts_, carried, 0.2, dt_s);
     main_bus_volts_ = lag(main_bus_volts_, controls.battery ? carried : 0.0, 0.22, dt_s);
     avionics_bus_volts_ = lag(avionics_bus_volts_, controls.avionics ? main_bus_volts_ - 0.2 : 0.0, 0.22, dt_s);
-    avionics_bus_volts_ = std::max(0.0, avionics_bus_volts_);
+    avionics_bus_volts_ = avionics_bus_volts_ < kDead ? 0.0 : avionics_bus_volts_;
+    main_bus_volts_ = main_bus_volts_ < kDead ? 0.0 : main_bus_volts_;
     main_bus_amps_ = lag(main_bus_amps_, bus_load, 0.2, dt_s);
     avionics_bus_amps_ = lag(avionics_bus_amps_, radio_load, 0.2, dt_s);
 }

@@ -9,6 +9,9 @@ namespace {
 
 constexpr double kTaxiMps = 11.0;
 constexpr double kRefuelBelowGal = 12.0;
+constexpr std::uint16_t kCircuitCode = 0x4321;
+constexpr std::uint16_t kRestCode = 0x7000;
+constexpr std::uint8_t kNoMarkerSound = 0xFB;
 
 constexpr std::array<RunwayPlace, 6> kWayOut{
     {{158.0, 106.0}, {136.0, 88.0}, {110.0, 80.0}, {46.0, 80.0}, {20.0, 68.0}, {12.0, 42.0}}};
@@ -67,6 +70,7 @@ void begin_cold_and_dark(FlightScript& script, Aircraft& aircraft) {
 bool cold_and_dark(FlightScript& script, Aircraft& aircraft, double dt_s) {
     script.pilot.release_stick(aircraft);
     script.pilot.set_throttle(aircraft, 0, dt_s);
+    script.pilot.set_brakes(aircraft, 0);
     script.pilot.set_trim(aircraft, 0, dt_s);
     if (std::min(aircraft.tanks.left_gal, aircraft.tanks.right_gal) < kRefuelBelowGal) {
         script.marked_s = 1;  // the hose is on
@@ -130,6 +134,9 @@ bool taxi_out(FlightScript& script, Aircraft& aircraft, double dt_s) {
 void begin_run_up(FlightScript& script, Aircraft& aircraft) {
     script.pilot.release_stick(aircraft);
     aircraft.controls.parking_brake = true;
+    if (!client_keeps(aircraft, ClientGroup::radios)) {
+        aircraft.radios.transponder = kCircuitCode;
+    }
 }
 
 bool run_up(FlightScript& script, Aircraft& aircraft, double dt_s) {
@@ -197,6 +204,9 @@ void begin_taxi_in(FlightScript& script, Aircraft& aircraft) {
     script.pilot.set_lights(aircraft, kGroundLights | kTaxiLights);
     if (!client_keeps(aircraft, ClientGroup::radios)) {
         aircraft.radios.transponder_standby = 1;
+        aircraft.radios.transponder = kRestCode;
+        aircraft.radios.sound_selector &= kNoMarkerSound;
+        aircraft.radios.obs2_deg = 90.0;
         aircraft.radios.swap(8);
     }
 }
@@ -219,6 +229,10 @@ bool shut_down(FlightScript& script, Aircraft& aircraft, double dt_s) {
     const double t = script.phase_s();
     script.pilot.set_throttle(aircraft, 0, dt_s);
     set_switches(aircraft, t < 9.0, t < 7.0, t < 2.0);
+    if (!client_keeps(aircraft, ClientGroup::switches)) {
+        aircraft.controls.fuel_pump = false;
+        aircraft.controls.pitot_heat = false;
+    }
     if (t > 3.0) {
         move_mixture(aircraft, 0, dt_s);
     }

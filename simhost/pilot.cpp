@@ -9,7 +9,12 @@ namespace simhost {
 namespace {
 
 constexpr double kThrottleSpeed = 0.35;  // of the travel, a second
-constexpr double kTurnSpeedMps = 5.0;
+constexpr double kBrakeStep = 0.02;      // of the travel, a step
+constexpr double kTurnSpeedMps = 4.5;
+constexpr double kTurnAcceleration = 1.5;  // metres a second squared, to the side
+constexpr double kTurnRate = 0.42;         // radians a second
+constexpr double kWheelBaseM = 1.7;
+constexpr double kNoseWheelThrow = 0.45;
 constexpr double kArrivedM = 2.5;
 
 double rolling_mps(const Aircraft& aircraft) {
@@ -61,8 +66,8 @@ void Pilot::set_gear(Aircraft& aircraft, double gear) const {
 
 void Pilot::set_brakes(Aircraft& aircraft, double brakes) const {
     if (!aircraft.hands.holds(ClientGroup::brakes)) {
-        aircraft.controls.left_brake = brakes;
-        aircraft.controls.right_brake = brakes;
+        aircraft.controls.left_brake = approach(aircraft.controls.left_brake, brakes, kBrakeStep);
+        aircraft.controls.right_brake = approach(aircraft.controls.right_brake, brakes, kBrakeStep);
     }
 }
 
@@ -129,13 +134,14 @@ bool Pilot::taxi(Aircraft& aircraft, double speed_mps, double dt_s) {
         std::min(wanted_speed, std::sqrt(corner_speed * corner_speed + 2.0 * 0.8 * std::max(0.0, distance - 2.0)));
     const double error = wanted_speed - speed;
     set_throttle(aircraft, arrived ? 0.0 : std::clamp(0.05 + 0.06 * error, 0.0, 0.30), dt_s);
-    set_brakes(aircraft, arrived ? 0.6 : std::clamp(-0.18 * (error + 0.4), 0.0, 0.5));
+    set_brakes(aircraft, arrived ? 0.22 : std::clamp(-0.18 * (error + 0.4), 0.0, 0.5));
 
-    const double turn_to = arrived ? 0.0 : std::clamp(0.030 * off_deg, -1.0, 1.0);
-    const double gearing = 1.0 + speed * speed / 36.0;
+    const double turn_rate = std::min(kTurnRate, kTurnAcceleration / std::max(1.0, speed));
+    const double sharpest = std::atan(turn_rate * kWheelBaseM / std::max(1.0, speed));
+    const double steer = arrived ? 0.0 : std::clamp(0.012 * off_deg, -sharpest, sharpest);
     aircraft.pilot_stick = {};
-    aircraft.pilot_stick.rudder = std::clamp(turn_to * std::min(gearing, 2.5) / std::max(1.0, 0.4 * speed), -1.0, 1.0);
-    return arrived && std::abs(speed) < 0.3;
+    aircraft.pilot_stick.rudder = std::clamp(steer / kNoseWheelThrow * (1.0 + speed * speed / 36.0), -1.0, 1.0);
+    return arrived && std::abs(speed) < 0.06;
 }
 
 }  // namespace simhost
