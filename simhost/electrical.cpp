@@ -10,6 +10,7 @@ constexpr double kBatteryAmpHours = 24.0;
 constexpr double kDead = 0.001;
 constexpr double kBatteryOhms = 0.035;
 constexpr double kAlternatorMaximumAmps = 60.0;
+constexpr double kStarterAmps = 150.0;
 
 // What each consumer draws, amperes.
 struct LightLoad {
@@ -22,7 +23,7 @@ constexpr LightLoad kLightLoads[] = {
     {kLogoLights, 2.0},       {kCabinLights, 1.0},
 };
 
-double wanted_amps(const Controls& controls, const Engine& engine) {
+double wanted_amps(const Controls& controls) {
     double amps = 2.0;
     for (const LightLoad& light : kLightLoads) {
         amps += (controls.lights & light.bit) != 0 ? light.amps : 0.0;
@@ -31,7 +32,6 @@ double wanted_amps(const Controls& controls, const Engine& engine) {
     amps += controls.pitot_heat ? 7.0 : 0.0;
     amps += controls.flaps_moving() ? 9.0 : 0.0;
     amps += controls.gear_moving() ? 14.0 : 0.0;
-    amps += engine.cranking() ? 150.0 : 0.0;
     return amps;
 }
 
@@ -44,7 +44,7 @@ void Electrical::step(const Controls& controls, const Engine& engine, double dt_
     alternator_volts_ =
         lag(alternator_volts_, alternating ? 28.2 * std::min(1.0, 0.85 + speed_share) : 0.0, 0.45, dt_s);
 
-    const double bus_load = controls.battery ? wanted_amps(controls, engine) : 0.0;
+    const double bus_load = controls.battery ? wanted_amps(controls) : 0.0;
     const double radio_load = controls.battery && controls.avionics ? 6.5 : 0.0;
     const double load = bus_load + radio_load;
     const double charging = alternating ? std::clamp((1.0 - charge_) * 90.0, 0.4, 18.0) : 0.0;
@@ -53,8 +53,11 @@ void Electrical::step(const Controls& controls, const Engine& engine, double dt_
     battery_amps_ = lag(battery_amps_, into_battery, 0.2, dt_s);
     charge_ = std::clamp(charge_ + battery_amps_ * dt_s / (kBatteryAmpHours * 3600.0), 0.0, 1.0);
 
+    // The starter draws from the battery directly: the ammeter does not see it, the voltage does.
+    starter_amps_ = lag(starter_amps_, engine.cranking() ? kStarterAmps : 0.0, 0.2, dt_s);
     const double open_volts = 22.5 + 2.4 * charge_;
-    const double carried = std::max(open_volts + kBatteryOhms * battery_amps_, available > load ? 28.0 : 0.0);
+    const double sagged = open_volts + kBatteryOhms * (battery_amps_ - starter_amps_);
+    const double carried = std::max(sagged, available > load ? 28.0 : 0.0);
     battery_volts_ = lag(battery_volts_, carried, 0.2, dt_s);
     main_bus_volts_ = lag(main_bus_volts_, controls.battery ? carried : 0.0, 0.22, dt_s);
     avionics_bus_volts_ = lag(avionics_bus_volts_, controls.avionics ? main_bus_volts_ - 0.2 : 0.0, 0.22, dt_s);

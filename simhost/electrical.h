@@ -29,6 +29,7 @@ class Electrical {
     double charge_ = 0.93;  // of the battery, 0..1
     double battery_volts_ = 24.7;
     double battery_amps_ = 0;
+    double starter_amps_ = 0;
     double main_bus_volts_ = 0;
     double main_bus_amps_ = 0;
     double avionics_bus_volts_ = 0;

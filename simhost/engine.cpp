@@ -60,13 +60,13 @@ void Engine::turn(const Controls& controls, const EngineAir& air, double bus_vol
 
 void Engine::breathe(const Controls& controls, const EngineAir& air, double dt_s) {
     const double opening = std::pow(std::clamp(controls.throttle, 0.0, 1.0), 0.7);
-    const double behind_throttle = 0.32 + 0.65 * opening;
+    const double behind_throttle = 0.365 + 0.605 * opening;
     const double pumping = std::min(1.0, rpm_ / 650.0);
     const double manifold = air.pressure_in_hg * (1.0 - (1.0 - behind_throttle) * pumping);
     const double warm_air = controls.carburettor_heat ? 0.97 : 1.0;
     manifold_in_hg_ = lag(manifold_in_hg_, warm_air * manifold, 0.35, dt_s);
 
-    const double charge = std::clamp((manifold_in_hg_ - 9.0) / 19.5, 0.0, 1.05);
+    const double charge = std::clamp((manifold_in_hg_ - 10.2) / 18.3, 0.0, 1.05);
     const double mixture = std::clamp(1.0 - 1.4 * std::max(0.0, 0.45 - controls.mixture), 0.0, 1.0);
     const double power = running_ ? charge * std::min(1.0, rpm_ / kMaximumRpm) * mixture : 0.0;
     power_fraction_ = lag(power_fraction_, power, 0.25, dt_s);

@@ -10,6 +10,7 @@ namespace {
 
 constexpr double kDay = 86400.0;
 constexpr double kHour = 3600.0;
+constexpr double kTurnStopDegPerS = 6.0;  // where the turn needle meets its stop
 constexpr double kGyroDriftDegPerS = 3.0 / kHour;
 
 int days_in(int year) {
@@ -97,7 +98,9 @@ void Instruments::step(const Airframe& airframe, double vacuum_in_hg, double bus
 
     variometer_mps_ = lag(variometer_mps_, airframe.climb_mps(), 0.9, dt_s);
     const bool turning_works = bus_volts > 10.0;
-    turn_rate_deg_ = lag(turn_rate_deg_, turning_works ? airframe.turn_rate_deg() : 0.0, 0.3, dt_s);
+    turn_rate_deg_ =
+        lag(turn_rate_deg_,
+            turning_works ? std::clamp(airframe.turn_rate_deg(), -kTurnStopDegPerS, kTurnStopDegPerS) : 0.0, 0.3, dt_s);
     const double slip = -airframe.lateral_acceleration() / std::max(4.0, airframe.normal_acceleration());
     ball_ = lag(ball_, std::clamp(slip / 0.18, -1.0, 1.0), 0.4, dt_s);
 }
