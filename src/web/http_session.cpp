@@ -54,10 +54,10 @@ void HttpSession::read() {
         if (error || self->shared_->server == nullptr) {
             return;
         }
-        Request request = self->parser_->release();
+        const Request request = self->parser_->release();
         if (websocket::is_upgrade(request) && view(request.target()) == kSocketPath && self->is_our_page(request) &&
             view(request[http::field::origin]) == "http://" + self->shared_->host) {
-            self->open_socket(std::move(request));
+            self->open_socket(request);
         } else {
             self->answer(request);
         }
@@ -68,8 +68,8 @@ bool HttpSession::is_our_page(const Request& request) const {
     return view(request[http::field::host]) == shared_->host;
 }
 
-void HttpSession::open_socket(Request request) {
-    std::make_shared<SocketSession>(std::move(stream_), shared_)->accept(std::move(request));
+void HttpSession::open_socket(const Request& request) {
+    std::make_shared<SocketSession>(std::move(stream_), shared_)->accept(request);
 }
 
 HttpSession::Response HttpSession::respond(const Request& request) const {
@@ -131,7 +131,7 @@ SocketSession::~SocketSession() {
     --shared_->connections;
 }
 
-void SocketSession::accept(http::request<http::string_body> request) {
+void SocketSession::accept(const http::request<http::string_body>& request) {
     beast::get_lowest_layer(socket_).expires_never();
     websocket::stream_base::timeout timeout = websocket::stream_base::timeout::suggested(beast::role_type::server);
     timeout.idle_timeout = kIdleTimeout;

@@ -45,7 +45,7 @@ class HttpSession : public std::enable_shared_from_this<HttpSession> {
     void answer(const Request& request);
     Response respond(const Request& request) const;
     bool is_our_page(const Request& request) const;
-    void open_socket(Request request);
+    void open_socket(const Request& request);
 
     boost::beast::tcp_stream stream_;
     std::shared_ptr<HttpServer::Shared> shared_;
@@ -60,7 +60,7 @@ class SocketSession : public PageSession, public std::enable_shared_from_this<So
     SocketSession(boost::beast::tcp_stream stream, std::shared_ptr<HttpServer::Shared> shared);
     ~SocketSession() override;
 
-    void accept(boost::beast::http::request<boost::beast::http::string_body> request);
+    void accept(const boost::beast::http::request<boost::beast::http::string_body>& request);
     void send(std::shared_ptr<const std::string> text) override;
     void close() override;
 
