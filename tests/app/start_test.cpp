@@ -78,13 +78,13 @@ TEST(Start, the_program_waits_for_a_simulator_that_is_not_there_and_counts_down_
 
 TEST(Start, a_simulator_of_a_wrong_version_is_told_and_tried_again_until_it_is_right) {
     Rig rig;
-    rig.server.set_fault(simhost::ServerFault::zero_versions, true);
+    rig.simulator.server().set_fault(simhost::ServerFault::zero_versions, true);
     rig.start_program();
     EXPECT_EQ(rig.text("frmMain", "frmMainConnection"), "Error: Incorrect version of FSUIPC, or not FSUIPC");
     rig.advance(20s);
     EXPECT_FALSE(rig.running());
     EXPECT_EQ(rig.machine.sim_transport.held_views, 0) << "a failed attempt releases what it took";
-    rig.server.clear_faults();
+    rig.simulator.server().clear_faults();
     rig.advance(9s);
     EXPECT_TRUE(rig.running()) << rig.story();
 }

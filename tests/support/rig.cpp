@@ -17,6 +17,9 @@ namespace rig {
 namespace {
 
 constexpr int kLastNeedleType = 6;
+constexpr platform::Milliseconds kFlightStep{20};
+// A needle's way round at its default speed, and a few ticks.
+constexpr platform::Milliseconds kSettlingTime{3000};
 
 std::string file_bytes(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -41,16 +44,17 @@ bool shows_needle(const tables::GaugeRow& gauge, int needle) {
 
 }  // namespace
 
-Rig::Rig(SimulatorAtStart simulator) {
+Rig::Rig(SimulatorAtStart at_start)
+    : flight_(machine.loop, "flight", kFlightStep, [this] { simulator.step(kFlightStep); }) {
     for (const auto& entry : std::filesystem::directory_iterator(PROJECT_ROOT "/demo")) {
         if (entry.is_regular_file()) {
             machine.files.contents[entry.path().filename().string()] = file_bytes(entry.path());
         }
     }
     machine.sim_transport.server = [this](std::uint8_t* block, std::size_t size) {
-        return server.answer(block, size).value;
+        return simulator.answer(block, size);
     };
-    if (simulator == SimulatorAtStart::absent) {
+    if (at_start == SimulatorAtStart::absent) {
         machine.sim_transport.windows.clear();
     }
     build_bench();
@@ -109,14 +113,12 @@ void Rig::start_run() {
 
 void Rig::stop_simulator() {
     machine.sim_transport.windows.clear();
-    space.clear();
+    simulator.space().clear();
 }
 
 void Rig::start_simulator() {
+    simulator.restart();
     machine.sim_transport.windows = {"UIPCMAIN"};
-    if (on_simulator_start) {
-        on_simulator_start(space);
-    }
 }
 
 double simulator_value(const tables::FunctionRow& function, int sequence_number, const simhost::OffsetSpace& space) {
@@ -183,7 +185,7 @@ testing::AssertionResult Rig::needles_are_right(double tolerance_steps) {
             const auto plate_number = static_cast<std::size_t>(needle == 1 ? row.GaugePlate1 : row.GaugePlate2);
             const int sequence_number = needle == 1 ? row.GaugeSeqNr1 : row.GaugeSeqNr2;
             const tables::FunctionRow& function = file_tables_.functions[function_number];
-            const double value = simulator_value(function, sequence_number, space);
+            const double value = simulator_value(function, sequence_number, sim());
             const double expected = std::clamp(plate_position(file_tables_.plates[plate_number], value), 0.0, 1079.0);
             const double stands = gauge(id).needle_steps(needle);
             ++checked;
@@ -201,6 +203,17 @@ testing::AssertionResult Rig::needles_are_right(double tolerance_steps) {
         return testing::AssertionSuccess();
     }
     return testing::AssertionFailure() << wrong.str() << story();
+}
+
+testing::AssertionResult Rig::needles_settle_right() {
+    const bool flying = flight_.enabled();
+    hold();
+    advance(kSettlingTime);
+    auto result = needles_are_right();
+    if (flying) {
+        fly();
+    }
+    return result;
 }
 
 panel::Control& Rig::control(const std::string& panel, const std::string& name) {
@@ -273,8 +286,8 @@ std::string Rig::story() {
     story << "  program: " << text("frmStatus", "BoxRun") << ", start panel \"" << text("frmMain", "frmMainConnection")
           << "\", file \"" << cockpit.tables().ConfigFileName << "\", ConfigError " << cockpit.tables().ConfigError
           << "\n  simulator: link " << (cockpit.sim_com().link_alive() ? "alive" : "dead") << ", result "
-          << cockpit.client().IpcResult << ", " << server.answered_blocks() << " blocks answered, "
-          << server.bad_blocks() << " bad\n  line: " << line.bytes_in << " bytes and " << line.frames_in
+          << cockpit.client().IpcResult << ", " << simulator.server().answered_blocks() << " blocks answered, "
+          << simulator.server().bad_blocks() << " bad\n  line: " << line.bytes_in << " bytes and " << line.frames_in
           << " frames came, " << line.bad_frames << " bad frames, " << line.stray_bytes << " stray bytes, "
           << line.reports_out << " reports went, port "
           << (cockpit.gauge_bus().serial_port().is_open() ? "open" : "closed") << "\n";

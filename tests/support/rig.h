@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -11,8 +10,7 @@
 #include "bench/devices/bus_controller.h"
 #include "bench/devices/needle_gauges.h"
 #include "platform/manual/manual_platform.h"
-#include "simhost/block_server.h"
-#include "simhost/offset_space.h"
+#include "simhost/simulator.h"
 
 namespace rig {
 
@@ -31,8 +29,7 @@ class Rig {
     Rig& operator=(const Rig&) = delete;
 
     platform::manual::ManualPlatform machine;
-    simhost::OffsetSpace space;
-    simhost::BlockServer server{space};
+    simhost::Simulator simulator;
     // The gauge bus of the configuration: its devices hang on the wire of GaugeBusPort1.
     bench::BusController controller{machine.loop};
     app::Cockpit cockpit{machine.platform()};
@@ -48,15 +45,19 @@ class Rig {
 
     // --- The simulator ----------------------------------------------------------------------------------------------
 
-    simhost::OffsetSpace& sim() { return space; }
-    // Its window goes, and with it every value that it knew.
+    simhost::OffsetSpace& sim() { return simulator.space(); }
+    // The aircraft flies its circuits, or stands still in the air with all its values.
+    void fly() { flight_.start(); }
+    void hold() { flight_.stop(); }
+    // The simulator's window goes, and with it every value that it knew.
     void stop_simulator();
+    // It starts from its beginning, cold and dark.
     void start_simulator();
     // It is there and takes no message; each send runs into its time-out.
     void hang_simulator() { machine.sim_transport.faults.failing_sends = -1; }
     void wake_simulator() { machine.sim_transport.faults.failing_sends = 0; }
-    // Called when a simulator starts, to set its values.
-    std::function<void(simhost::OffsetSpace&)> on_simulator_start;
+    // How long a good answer takes.
+    void slow_simulator(platform::Duration answer_time) { machine.sim_transport.faults.answer_time = answer_time; }
 
     // --- The cockpit's devices --------------------------------------------------------------------------------------
 
@@ -66,6 +67,8 @@ class Rig {
     // Whether every needle of the cockpit stands within `tolerance_steps` of where its plate puts the simulator's value
     // of now, worked out here from the file and the offsets alone. The message tells what each wrong device has seen.
     testing::AssertionResult needles_are_right(double tolerance_steps = 1.0);
+    // Lets the simulator stand still until the needles have come to rest, looks, and lets it go on.
+    testing::AssertionResult needles_settle_right();
 
     // --- The panels -------------------------------------------------------------------------------------------------
 
@@ -87,6 +90,7 @@ class Rig {
     std::string device_story(int id);
 
     tables::CoreTables file_tables_;  // what the file says, read apart from the program
+    platform::Timer flight_;
 };
 
 // The engineering value of a function's offset as the simulator has it, by the tables alone.

@@ -8,15 +8,10 @@ namespace platform::manual {
 void ManualLoop::advance(Duration duration) {
     const TimePoint end = now_ + duration;
     try {
-        while (!stopped()) {
-            if (run_one_due()) {
-                continue;
-            }
-            const std::optional<TimePoint> next = next_due();
-            if (!next || *next > end) {
-                break;
-            }
+        // What falls due after the end waits, even when a task has taken so long that it is overdue by then.
+        for (auto next = next_due(); !stopped() && next && *next <= end; next = next_due()) {
             now_ = std::max(now_, *next);
+            run_one_due();
         }
     } catch (const LoopStopped&) {
         // A task that waited has been unwound.
