@@ -121,6 +121,22 @@ void Rig::start_simulator() {
     machine.sim_transport.windows = {"UIPCMAIN"};
 }
 
+void Rig::move_every_needle() {
+    const bool flying = flight_.enabled();
+    hold();
+    for (const std::uint8_t filling : {std::uint8_t{0x40}, std::uint8_t{0xC0}, std::uint8_t{0}}) {
+        const std::vector<std::uint8_t> bytes(simhost::kOffsetSpaceBytes, filling);
+        sim().write_bytes(0, bytes);
+        advance(500ms);
+    }
+    simhost::OffsetMap::write_constants(sim());
+    simulator.step(0ms);
+    advance(500ms);
+    if (flying) {
+        fly();
+    }
+}
+
 double simulator_value(const tables::FunctionRow& function, int sequence_number, const simhost::OffsetSpace& space) {
     const std::int32_t offsets[] = {function.FunctionOffset1, function.FunctionOffset2, function.FunctionOffset3,
                                     function.FunctionOffset4};

@@ -59,6 +59,9 @@ class Rig {
     // How long a good answer takes.
     void slow_simulator(platform::Duration answer_time) { machine.sim_transport.faults.answer_time = answer_time; }
 
+    // Sends every value of the simulator up and down and back, so that no needle still stands where it stood.
+    void move_every_needle();
+
     // --- The cockpit's devices --------------------------------------------------------------------------------------
 
     platform::manual::Wire& gauge_wire();
