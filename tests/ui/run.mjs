@@ -1,4 +1,5 @@
 // The pages' tests in Chromium. Usage: node tests/ui/run.mjs FOLDER    (the folder that holds cockpit, bench and simhost)
+import { runBenchCases } from "./bench_cases.mjs";
 import { openBrowser } from "./browser.mjs";
 import { CaseRunner } from "./case_runner.mjs";
 import { runFlightCases } from "./flight_cases.mjs";
@@ -10,6 +11,7 @@ const browser = await openBrowser();
 try {
   await runPageCases(runner, browser);
   await runFlightCases(runner, browser, folder);
+  await runBenchCases(runner, browser, folder);
 } finally {
   await browser.close();
 }

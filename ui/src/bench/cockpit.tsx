@@ -107,6 +107,7 @@ function InstrumentTile({ instrument, store, command }: Shared & { instrument: I
     <article
       class={`instrument ${face.size(instrument)}`}
       data-instrument={instrument.key}
+      data-type={instrument.type}
       data-lit={lit}
       style={{ "--glow": glow.toFixed(3) }}
     >
