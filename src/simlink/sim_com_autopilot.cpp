@@ -38,7 +38,7 @@ void SimCom::take_autopilot_flags(std::int16_t GaugePlate1) {
 
 void SimCom::WriteAutopilot() {
     for (const CommandBit& row : kCommandBits) {
-        const std::int32_t state = static_cast<std::int32_t>(ApCommandBits >> row.bit & 1U);
+        const std::int32_t state = (static_cast<std::int32_t>(ApCommandBits) >> row.bit) & 1;
         append_write(row.offset, sizeof state, &state);
         if (row.bit == kApproachBit && approach_to_second_offset_) {
             append_write(kOffsetApApproachPair, sizeof state, &state);
