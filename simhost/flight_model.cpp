@@ -8,6 +8,8 @@ namespace {
 
 constexpr double kStepS = std::chrono::duration<double>(FlightModel::kStep).count();
 constexpr double kGiveUpS = 4.0;
+constexpr double kFieldReachM = 400.0;
+constexpr double kCeilingM = 6000.0;
 constexpr double kLongestJumpS = 1200.0;
 
 }  // namespace
@@ -15,9 +17,12 @@ constexpr double kLongestJumpS = 1200.0;
 bool FlightModel::lost() const {
     const Phase phase = script_.phase();
     const bool should_fly = phase > Phase::take_off && phase < Phase::landing;
+    const RunwayPlace here = aircraft_.airframe.runway_place();
+    const bool off_the_field = here.along_m < -kFieldReachM || here.along_m > kRunwayLengthM + kFieldReachM ||
+                               std::abs(here.across_m) > kFieldReachM;
     const bool upside_down = std::abs(aircraft_.airframe.bank_deg()) > 120.0;
-    return (should_fly && aircraft_.airframe.on_ground()) || aircraft_.airframe.height_m() < -1.0 ||
-           aircraft_.airframe.height_m() > 6000.0 || upside_down;
+    return (aircraft_.airframe.on_ground() && (should_fly || off_the_field)) || upside_down ||
+           aircraft_.airframe.height_m() < -1.0 || aircraft_.airframe.height_m() > kCeilingM;
 }
 
 void FlightModel::one_step() {

@@ -63,7 +63,7 @@ void begin_cold_and_dark(FlightScript& script, Aircraft& aircraft) {
     script.pilot.set_lights(aircraft, 0);
     set_switches(aircraft, false, false, false);
     set_magnetos(aircraft, Magnetos::off);
-    aircraft.controls.parking_brake = true;
+    script.pilot.set_parking_brake(aircraft, true);
     aircraft.turbulence = 0;
 }
 
@@ -123,7 +123,6 @@ void begin_taxi_out(FlightScript& script, Aircraft& aircraft) {
     script.pilot.start_path(kWayOut);
     script.pilot.set_lights(aircraft, kGroundLights | kTaxiLights);
     script.pilot.set_flaps(aircraft, 0.33);
-    aircraft.controls.parking_brake = false;
 }
 
 bool taxi_out(FlightScript& script, Aircraft& aircraft, double dt_s) {
@@ -133,7 +132,7 @@ bool taxi_out(FlightScript& script, Aircraft& aircraft, double dt_s) {
 
 void begin_run_up(FlightScript& script, Aircraft& aircraft) {
     script.pilot.release_stick(aircraft);
-    aircraft.controls.parking_brake = true;
+    script.pilot.set_parking_brake(aircraft, true);
     if (!client_keeps(aircraft, ClientGroup::radios)) {
         aircraft.radios.transponder = kCircuitCode;
     }
@@ -158,10 +157,7 @@ void begin_line_up(FlightScript& script, Aircraft& aircraft) {
         aircraft.radios.transponder_standby = 0;
         aircraft.radios.swap(8);  // from the ground to the tower frequency
     }
-    if (!client_keeps(aircraft, ClientGroup::autopilot)) {
-        aircraft.autopilot.heading_bug_deg = wrap360(kRunwayHeadingDeg - kMagneticVariationDeg);
-    }
-    aircraft.controls.parking_brake = false;
+    script.pilot.set_heading(aircraft, kRunwayHeadingDeg - kMagneticVariationDeg);
 }
 
 bool line_up(FlightScript& script, Aircraft& aircraft, double dt_s) {
@@ -218,7 +214,7 @@ bool taxi_in(FlightScript& script, Aircraft& aircraft, double dt_s) {
 
 void begin_shut_down(FlightScript& script, Aircraft& aircraft) {
     script.pilot.release_stick(aircraft);
-    aircraft.controls.parking_brake = true;
+    script.pilot.set_parking_brake(aircraft, true);
     script.pilot.set_brakes(aircraft, 0);
     if (!client_keeps(aircraft, ClientGroup::radios)) {
         aircraft.radios.swap(2);  // back to the beacon, for the next circuit

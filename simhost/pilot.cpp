@@ -84,15 +84,34 @@ void Pilot::set_trim(Aircraft& aircraft, double elevator_trim, double dt_s) cons
     }
 }
 
-void Pilot::turn_bug_left(Aircraft& aircraft, double to_deg, double rate_deg, double dt_s) const {
-    if (aircraft.hands.holds(ClientGroup::autopilot)) {
+void Pilot::set_parking_brake(Aircraft& aircraft, bool on) const {
+    if (!aircraft.hands.holds(ClientGroup::brakes)) {
+        aircraft.controls.parking_brake = on;
+    }
+}
+
+void Pilot::set_heading(Aircraft& aircraft, double heading_deg) {
+    heading_deg_ = wrap360(heading_deg);
+    if (!aircraft.hands.holds(ClientGroup::autopilot)) {
+        aircraft.autopilot.heading_bug_deg = heading_deg_;
+    }
+}
+
+void Pilot::turn_left_to(Aircraft& aircraft, double heading_deg, double rate_deg, double dt_s) {
+    const double left_to_go = wrap360(heading_deg_ - heading_deg);
+    if (left_to_go > 0.01 && left_to_go < 300.0) {
+        set_heading(aircraft, heading_deg_ - std::min(left_to_go, rate_deg * dt_s));
+    }
+}
+
+void Pilot::mind_autopilot(Aircraft& aircraft, double height_m, double heading_deg, double dt_s) {
+    if (aircraft.autopilot.flying()) {
+        loops_.restart(aircraft.controls.elevator, aircraft.airframe.pitch_deg());
         return;
     }
-    const double left_to_go = wrap360(aircraft.autopilot.heading_bug_deg - to_deg);
-    if (left_to_go > 0.01 && left_to_go < 300.0) {
-        aircraft.autopilot.heading_bug_deg =
-            wrap360(aircraft.autopilot.heading_bug_deg - std::min(left_to_go, rate_deg * dt_s));
-    }
+    const double climb_mps = std::clamp(0.10 * (height_m - aircraft.airframe.height_m()), -4.0, 4.0);
+    const double true_deg = heading_deg + kMagneticVariationDeg;
+    fly_climb(aircraft, climb_mps, AttitudeLoops::bank_for_heading(true_deg, 20.0, aircraft.airframe), dt_s);
 }
 
 void Pilot::steer_on_runway(Aircraft& aircraft) const {
@@ -109,6 +128,7 @@ void Pilot::start_path(std::span<const RunwayPlace> path) {
 }
 
 bool Pilot::taxi(Aircraft& aircraft, double speed_mps, double dt_s) {
+    set_parking_brake(aircraft, false);
     const RunwayPlace here = aircraft.airframe.runway_place();
     const double speed = rolling_mps(aircraft);
     const double reach_m = 3.0 + 0.9 * std::max(0.0, speed);

@@ -15,6 +15,8 @@ class Pilot {
     void fly_climb(Aircraft& aircraft, double climb_mps, double bank_deg, double dt_s);
     // Forgets what the hands had learned, before another way of flying begins.
     void take_stick(const Aircraft& aircraft);
+    // Where the autopilot is meant to fly: watches it, and flies height and magnetic heading by hand while it does not.
+    void mind_autopilot(Aircraft& aircraft, double height_m, double heading_deg, double dt_s);
     // The stick at rest in the middle.
     void release_stick(Aircraft& aircraft);
 
@@ -26,8 +28,12 @@ class Pilot {
     void set_lights(Aircraft& aircraft, std::uint16_t lights) const;
     // Turns a trim wheel towards a position.
     void set_trim(Aircraft& aircraft, double elevator_trim, double dt_s) const;
-    // Turns the autopilot's heading bug towards a magnetic heading by way of a turn to the left.
-    void turn_bug_left(Aircraft& aircraft, double to_deg, double rate_deg, double dt_s) const;
+    void set_parking_brake(Aircraft& aircraft, bool on) const;
+    // Turns the heading that is flown, and with it the autopilot's bug, to a magnetic heading: at once, or bit by bit
+    // by way of a turn to the left.
+    void set_heading(Aircraft& aircraft, double heading_deg);
+    void turn_left_to(Aircraft& aircraft, double heading_deg, double rate_deg, double dt_s);
+    double heading_deg() const { return heading_deg_; }
 
     // Keeps the nose on the runway's centre line while rolling, with the wheels' steering.
     void steer_on_runway(Aircraft& aircraft) const;
@@ -39,6 +45,7 @@ class Pilot {
     static constexpr std::size_t kPathPlaces = 12;
     AttitudeLoops loops_;
     double throttle_held_ = 0.3;
+    double heading_deg_ = kRunwayHeadingDeg - kMagneticVariationDeg;
     std::array<RunwayPlace, kPathPlaces> path_{};
     std::size_t path_length_ = 0;
     std::size_t next_ = 0;

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <random>
 
@@ -224,6 +225,53 @@ TEST(ClientWrites, a_dead_battery_switch_takes_the_buses_down_and_back_up) {
     client_writes(simulator, 0x281C, 1, 4);
     fly(simulator, 3);
     EXPECT_GT(simulator.value("main_bus_volts"), 20);
+}
+
+// Flies until a circuit is finished while a client does something every second; how many times the flight had to start
+// again from the apron, or -1 when the circuit never ended.
+int restarts_of_a_circuit(Simulator& simulator, const std::function<void(Phase phase)>& client) {
+    int restarts = 0;
+    for (int second = 0; second < 2400; ++second) {
+        const Phase before = simulator.model().script().phase();
+        client(before);
+        fly(simulator, 1);
+        restarts += simulator.model().script().phase() < before && before != Phase::shut_down ? 1 : 0;
+        if (simulator.model().script().finished_circuits() > 0) {
+            return restarts;
+        }
+    }
+    return -1;
+}
+
+TEST(ClientWrites, the_circuit_is_flown_to_its_end_whatever_a_client_does_with_autopilot_and_radios) {
+    struct Case {
+        const char* what;
+        void (*client)(Simulator& simulator, Phase phase);
+    };
+    const Case cases[] = {
+        {"the autopilot is kept off", [](Simulator& simulator, Phase) { client_writes(simulator, 0x07BC, 0, 4); }},
+        {"the landing system is kept away",
+         [](Simulator& simulator, Phase) { client_writes(simulator, 0x0350, 0x0875, 2); }},
+        {"the autopilot is sent off to the north",
+         [](Simulator& simulator, Phase phase) {
+             if (phase >= Phase::cruise && phase < Phase::final_approach) {
+                 client_writes(simulator, 0x07CC, 0, 2);
+                 client_writes(simulator, 0x07D4, 1200ULL * 65536, 4);
+             }
+         }},
+        {"trims and throttle are turned now and then",
+         [](Simulator& simulator, Phase phase) {
+             if (phase == Phase::cruise) {
+                 client_writes(simulator, 0x0BC0, 0x1000, 2);
+                 client_writes(simulator, 0x088C, 12000, 2);
+             }
+         }},
+    };
+    for (const Case& c : cases) {
+        Simulator simulator;
+        EXPECT_EQ(restarts_of_a_circuit(simulator, [&](Phase phase) { c.client(simulator, phase); }), 0) << c.what;
+        EXPECT_NEAR(simulator.aircraft().airframe.runway_place().along_m, simhost::kParkingPlace.along_m, 5) << c.what;
+    }
 }
 
 TEST(ClientWrites, an_aircraft_that_a_client_has_flown_into_the_ground_starts_again) {
