@@ -64,8 +64,11 @@ double Autopilot::wanted_bank(const Airframe& airframe, const NavReceiver& nav, 
     const bool tracking = nav_hold || approach_hold || back_course_hold;
     beam_captured_ = tracking && nav.good() && (beam_captured_ || std::abs(nav.needle) < 120.0);
     if (beam_captured_) {
-        course_deg = nav.localizer ? wrap360(kRunwayHeadingDeg - kMagneticVariationDeg) : obs_deg;
-        const double gain = nav.localizer ? 9.0 : 2.5;
+        // On the back course of a localizer the beam is flown the other way, with the needle's sense reversed.
+        const bool reversed = nav.localizer && back_course_hold;
+        const double beam_deg = kRunwayHeadingDeg - kMagneticVariationDeg + (reversed ? 180.0 : 0.0);
+        course_deg = nav.localizer ? wrap360(beam_deg) : obs_deg;
+        const double gain = (nav.localizer ? 9.0 : 2.5) * (reversed ? -1.0 : 1.0);
         const double turn_in = std::clamp(gain * nav.deviation_deg, -kBeamInterceptDeg, kBeamInterceptDeg);
         return AttitudeLoops::bank_for_track(course_deg + kMagneticVariationDeg + turn_in, kBankLimitDeg, airframe);
     }

@@ -15,8 +15,9 @@ constexpr std::size_t kTitleBytes = 256;
 constexpr std::uint32_t kSimulationRateOffset = 0x0C1A;
 constexpr std::uint16_t kNormalRate = 256;
 
-// Places of the idents of the received stations.
+// Places of the idents of the received stations; the name follows at once.
 constexpr std::size_t kIdentBytes = 6;
+constexpr std::size_t kNameBytes = 25;
 constexpr std::uint32_t kNav1IdentOffset = 0x3000;
 constexpr std::uint32_t kNav2IdentOffset = 0x301F;
 constexpr std::uint32_t kAdf1IdentOffset = 0x303E;
@@ -50,6 +51,7 @@ double read_fixed(std::uint32_t offset, const OffsetSpace& space) {
 
 void write_ident(const Station* station, std::uint32_t offset, OffsetSpace& space) {
     space.write_text(offset, kIdentBytes, station == nullptr ? "" : station->identity);
+    space.write_text(offset + kIdentBytes, kNameBytes, station == nullptr ? "" : station->name);
 }
 
 }  // namespace

@@ -40,7 +40,6 @@ class Weather {
     double air_up_mps(double height_m) const;
     // Rolling of the air mass, radians a second.
     double air_roll_rate(double height_m) const;
-    double turbulence() const { return turbulence_; }
 
   private:
     static constexpr double kWindFromDeg = 228.0;

@@ -126,6 +126,7 @@ TEST(ClientWrites, a_tuned_station_brings_the_needles_to_life_and_another_freque
     fly(simulator, 30);
     EXPECT_EQ(simulator.value("nav1_to_from"), 1);
     EXPECT_EQ(simulator.value("nav1_slope_signal"), 1);
+    EXPECT_EQ(simulator.space().read_u32(0x3000), 0x46535749U);  // "IWSF"
     client_writes(simulator, 0x0350, 0x0875, 2);
     fly(simulator, 0.02);
     EXPECT_EQ(simulator.value("nav1_to_from"), 0);
