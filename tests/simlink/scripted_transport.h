@@ -66,7 +66,7 @@ class ScriptedTransport : public platform::SimTransport {
                 const auto found = words.find(support::read_u32le(at + simlink::kOffsetAt));
                 if (read && found != words.end()) {
                     for (std::uint32_t byte = 0; byte < size; ++byte) {
-                        data[byte] = byte < 4 ? static_cast<std::uint8_t>(found->second >> (8 * byte)) : 0;
+                        data[byte] = static_cast<std::uint8_t>(byte < 4 ? found->second >> (8 * byte) : 0U);
                     }
                 }
                 at = data + size;
