@@ -147,7 +147,8 @@ void EventLoop::run_timer(Timer& timer) {
         }
     };
     const TimePoint entered = now();
-    timer.longest_delay_ = std::max(timer.longest_delay_, entered - timer.due_);
+    timer.last_delay_ = entered - timer.due_;
+    timer.longest_delay_ = std::max(timer.longest_delay_, timer.last_delay_);
     timer.running_ = true;
     const Guard guard{*this, &timer, entered, timer.period_start_count_};
     run_guarded(timer.handler_);

@@ -42,6 +42,8 @@ class Timer {
     Duration longest_run() const { return longest_run_; }
     // The longest time from the due time to the entry of the handler.
     Duration longest_delay() const { return longest_delay_; }
+    // The same of the latest call.
+    Duration last_delay() const { return last_delay_; }
     // The number of periods that passed without a call of their own.
     std::uint64_t missed_periods() const { return missed_periods_; }
 
@@ -58,6 +60,7 @@ class Timer {
     TimePoint due_{};
     Duration longest_run_{};
     Duration longest_delay_{};
+    Duration last_delay_{};
     std::uint64_t missed_periods_ = 0;
 };
 
