@@ -39,7 +39,7 @@ export async function bundle(folder, title) {
     logLevel: "warning",
   });
   const text = (ending) => result.outputFiles.find((file) => file.path.endsWith(ending))?.text ?? "";
-  const html = (await readFile(join(here, "src", folder, "index.html"), "utf8")).replaceAll("{{title}}", title);
+  const html = (await readFile(join(here, "src", "shared", "index.html"), "utf8")).replaceAll("{{title}}", title);
   return [
     { path: "/", type: contentTypes.html, text: html },
     { path: "/page.js", type: contentTypes.js, text: text(".js") },
