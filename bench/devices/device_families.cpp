@@ -15,14 +15,15 @@ std::unique_ptr<Device> create(platform::EventLoop& loop, Identity identity) {
     return std::make_unique<Kind>(loop, identity);
 }
 
-constexpr std::array<DeviceFamily, 6> kFamilies = {{
+// In ascending order, one row a type.
+constexpr auto kFamilies = std::to_array<DeviceFamily>({
     {.type = 1, .face = "needle_gauge", .create = create<NeedleGauge>},
     {.type = 2, .face = "needle_gauge", .create = create<NeedleGauge>},
     {.type = 3, .face = "needle_gauge", .create = create<NeedleGauge>},
     {.type = 4, .face = "needle_gauge", .create = create<NeedleGauge>},
     {.type = 5, .face = "needle_gauge", .create = create<NeedleGauge>},
     {.type = 6, .face = "needle_gauge", .create = create<NeedleGauge>},
-}};
+});
 
 constexpr DeviceFamily kUnknownFamily = {.type = 0, .face = "generic", .create = create<GenericDevice>};
 

@@ -95,6 +95,10 @@ void frmStatus::build_active_list() {
 
 void frmStatus::set_up_gauges() {
     context_.next_poll_slot = 0;
+    context_.navigation = {};
+    context_.radios = {};
+    context_.autopilot = {};
+    context_.audio = {};
     for (int index = 0; index <= context_.ActiveCount; ++index) {
         entry_in_hand_ = index;
         sim_com_.PortOwnerId = static_cast<std::int16_t>(context_.entry(index).ActiveGaugeId);

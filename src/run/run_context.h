@@ -8,7 +8,11 @@
 #include "bus/gauge_bus.h"
 #include "platform/platform.h"
 #include "run/active_gauges.h"
+#include "run/audio_and_trim_state.h"
+#include "run/autopilot_state.h"
 #include "run/cluster_state.h"
+#include "run/navigation_state.h"
+#include "run/radio_state.h"
 #include "simlink/sim_com.h"
 #include "support/steps.h"
 #include "tables/core_tables.h"
@@ -50,6 +54,13 @@ struct RunContext {
 
     std::int16_t BrightnessByte = 0;  // 0 until the dimmer first moves; then its level with bit 4 set
     ClusterState cluster;
+
+    // What families of instruments remember beside the entries of the list.
+    NavigationState navigation;
+    RadioState radios;
+    AutopilotState autopilot;
+    AudioState audio;
+    TrimSwitches trim_switches;
 
     // The entry at a list index, 0..ActiveCount, and the gauge table row behind it.
     ActiveGauge& entry(int Index) { return active[static_cast<std::size_t>(Index)]; }
