@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "platform/line_settings.h"
 #include "support/failure.h"
 #include "support/steps.h"
 
@@ -52,7 +53,14 @@ Flushed GaugeBus::FlushFrames() {
         return Flushed::nothing;
     }
     MSComm1_->write(tables_.TxBuffer);
+    bytes_written_ += tables_.TxBuffer.size();
     return Flushed::written;
+}
+
+int GaugeBus::capacity() {
+    const auto byte_time =
+        platform::byte_time(platform::parse_line_settings(port_settings(PortPlace::gauge_bus).settings));
+    return static_cast<int>(std::chrono::seconds(1) / byte_time);
 }
 
 void GaugeBus::prepare_run() {

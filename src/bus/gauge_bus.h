@@ -42,6 +42,11 @@ class GaugeBus : public PortOwner {
     // and there is something to send. Throws the port's Failure.
     Flushed FlushFrames();
 
+    // Bytes that FlushFrames has handed to the port since the program began.
+    std::uint64_t bytes_written() const { return bytes_written_; }
+    // What the line carries in a second, in bytes.
+    static int capacity();
+
     // Empties TxBuffer and the input for the first tick. A single frame that still waits is sent before that.
     void prepare_run();
 
@@ -95,6 +100,7 @@ class GaugeBus : public PortOwner {
     std::unique_ptr<platform::SerialPort> MSComm1_;
     IoModuleLink* io_modules_[2] = {nullptr, nullptr};
     bool sender_failure_told_ = false;
+    std::uint64_t bytes_written_ = 0;
 };
 
 }  // namespace bus

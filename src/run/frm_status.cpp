@@ -55,6 +55,7 @@ frmStatus::frmStatus(const RunParts& parts)
       boxNrofOffsets(*this, "boxNrofOffsets", "Simulator ports open"),
       boxSimulator(*this, "boxSimulator", "Simulator"),
       boxGaugePort(*this, "boxGaugePort", "Gauge bus"),
+      boxBusLoad(*this, "boxBusLoad", "Bus load"),
       boxLongestTick(*this, "boxLongestTick", "Longest update (ms)"),
       boxMissedTicks(*this, "boxMissedTicks", "Updates missed"),
       ProcessTimer(parts.platform.loop, "frmStatus.ProcessTimer", kProcessInterval, [this] { ProcessTimer_Timer(); }),
@@ -66,7 +67,8 @@ frmStatus::frmStatus(const RunParts& parts)
       ports_(parts.ports),
       panels_(parts.panels),
       context_(parts.platform, parts.tables, parts.sim_com, parts.gauge_bus,
-               TickSteps([this](const support::Failure& failure) { return asks_to_continue(failure); })) {
+               TickSteps([this](const support::Failure& failure) { return asks_to_continue(failure); })),
+      bus_capacity_(bus::GaugeBus::capacity()) {
     number_text_.reserve(512);
     SliderXferTimer.value = static_cast<int>(kProcessInterval.count());
     set_handlers();
@@ -139,6 +141,8 @@ void frmStatus::set_tool_tips() {
     boxNrofOffsets.tool_tip = "Number of simulator values that are being read or written";
     boxSimulator.tool_tip = "Whether the simulator answers; it is looked for again by itself";
     boxGaugePort.tool_tip = "Serial port of the gauge bus";
+    boxBusLoad.tool_tip =
+        "What the gauges are sent, against what their line can carry. If it is too slow, raise the interval";
     boxLongestTick.tool_tip = "Longest time that one gauge update has taken, in milliseconds";
     boxMissedTicks.tool_tip = "Gauge updates that came too late and were left out";
 }
@@ -153,7 +157,8 @@ void frmStatus::arrange() {
                                 panel::row({boxPitch, boxBank, BoxAirPressHg, BoxAirPressmBar})}),
         panel::frame("Aircraft", {panel::row({boxVoltage, BoxInstrLights, boxNavLights})}),
         panel::frame("Gauge updates", {panel::row({SliderXferTimer, BoxXferProcessTimer}),
-                                       panel::row({boxNrofOffsets, frmXferCount, boxLongestTick, boxMissedTicks})}),
+                                       panel::row({boxNrofOffsets, frmXferCount, boxLongestTick, boxMissedTicks}),
+                                       panel::row({boxBusLoad})}),
     }));
 }
 
@@ -216,6 +221,7 @@ void frmStatus::cmdRun_Click() {
         }
     });
     steps.attempt([this] { gauge_bus_.prepare_run(); });
+    bus_load_.start(gauge_bus_.bytes_written());
     ProcessTimer.start();
     Running_ = 1;
     start_gauges();
@@ -296,9 +302,25 @@ void frmStatus::Timer1_Timer() {
 void frmStatus::show_statistics() {
     frmXferCount.text = std::to_string(TickCount_);
     show_links();
+    show_bus_load();
     const std::chrono::duration<double, std::milli> longest_ms = ProcessTimer.longest_run();
     show_number(boxLongestTick, longest_ms.count(), "0.0");
     boxMissedTicks.text = std::to_string(ProcessTimer.missed_periods());
+}
+
+void frmStatus::show_bus_load() {
+    if (Running_ == 0) {
+        boxBusLoad.text = "Halted";
+        boxBusLoad.colour = panel::kDefaultColour;
+        return;
+    }
+    bus_load_.take_second(gauge_bus_.bytes_written(), bus_capacity_);
+    bus_load_.describe(tables_.ProcessInterval, number_text_);
+    boxBusLoad.text = number_text_;
+    const BusLoad::State state = bus_load_.state();
+    boxBusLoad.colour = state == BusLoad::State::fits       ? panel::kGreen
+                        : state == BusLoad::State::too_slow ? panel::kRed
+                                                            : panel::kDefaultColour;
 }
 
 // What a user who looks for a fault asks first: is the simulator there, is the gauge bus there?

@@ -12,6 +12,7 @@
 #include "panel/panel.h"
 #include "panel/panel_host.h"
 #include "platform/platform.h"
+#include "run/bus_load.h"
 #include "run/run_context.h"
 #include "run/run_participant.h"
 #include "simlink/sim_com.h"
@@ -97,6 +98,7 @@ class frmStatus : public panel::Panel {
     panel::TextBox boxNrofOffsets;
     panel::Indicator boxSimulator;
     panel::Indicator boxGaugePort;
+    panel::Indicator boxBusLoad;
     panel::TextBox boxLongestTick;
     panel::TextBox boxMissedTicks;
 
@@ -120,6 +122,7 @@ class frmStatus : public panel::Panel {
     void SliderXferTimer_Change();
     void show_statistics();
     void show_links();
+    void show_bus_load();
     void start_gauges();
     // Calls every unit that has a port, in the given order.
     template <typename Call>
@@ -170,6 +173,8 @@ class frmStatus : public panel::Panel {
     int entry_in_hand_ = 0;          // list index; read by the error message
     float InstrLightSwitch_ = 0;
     float NavLightSwitch_ = 0;
+    BusLoad bus_load_;
+    int bus_capacity_;         // bytes a second
     std::string number_text_;  // kept, so that a tick allocates nothing
 
     bool write_failure_told_ = false;  // the user knows of this outage of the gauge port
