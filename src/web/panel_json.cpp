@@ -176,7 +176,7 @@ void append_panel(std::string& out, const panel::Panel& panel) {
     out += "]}";
 }
 
-void append_changes(std::string& out, const panel::Panel& panel) {
+int append_changes(std::string& out, const panel::Panel& panel) {
     out += '{';
     append_text_item(out, "type", "changes");
     append_text_item(out, "panel", panel.name());
@@ -185,12 +185,17 @@ void append_changes(std::string& out, const panel::Panel& panel) {
     }
     append_key(out, "controls");
     out += '[';
+    int count = 0;
     for (const Control* control : panel.marked()) {
-        out += out.back() == '[' ? "{" : ",{";
+        if (panel.minimised() && control->kind() != ControlKind::indicator) {
+            continue;
+        }
+        out += count++ == 0 ? "{" : ",{";
         append_state_items(out, *control);
         out += '}';
     }
     out += "]}";
+    return count;
 }
 
 void append_windows(std::string& out, const std::vector<panel::Panel*>& open_panels) {

@@ -12,8 +12,9 @@ namespace web {
 
 // A panel's full description.
 void append_panel(std::string& out, const panel::Panel& panel);
-// The marked controls of a panel, and its title when that has changed; a whole message.
-void append_changes(std::string& out, const panel::Panel& panel);
+// The marked controls of a panel (of a minimised one only its indicators), and its title when that has changed; a whole
+// message. Returns the number of controls in it.
+int append_changes(std::string& out, const panel::Panel& panel);
 // The open panels, the front one last; a whole message.
 void append_windows(std::string& out, const std::vector<panel::Panel*>& open_panels);
 // A list of boxes, the top one last.

@@ -56,9 +56,9 @@ void Presenter::await_turn() {
 }
 
 void Presenter::turn() {
-    send_newly_shown_panels();
+    send_panels_with_new_state();
     for (panel::Panel* panel : host_.open_panels()) {
-        if (panel->visible() && (!panel->marked().empty() || panel->title_marked())) {
+        if ((!panel->marked().empty() || panel->title_marked())) {
             send_changes(*panel);
         }
     }
@@ -78,8 +78,9 @@ void Presenter::send_changes(panel::Panel& panel) {
     // With no page open there is nobody to tell; a page that comes gets everything.
     if (server_.page_count() > 0) {
         const auto text = new_text();
-        append_changes(*text, panel);
-        server_.broadcast(text);
+        if (append_changes(*text, panel) > 0 || panel.title_marked()) {
+            server_.broadcast(text);
+        }
     }
     panel.clear_marks();
 }
@@ -106,20 +107,22 @@ void Presenter::send_beat() {
     }
 }
 
-void Presenter::send_newly_shown_panels() {
-    // A panel that is hidden or minimised leaves the list: its fields are not kept up, so it is sent in full when it
-    // shows.
-    std::erase_if(presented_, [](const panel::Panel* panel) { return !panel->visible(); });
+void Presenter::send_panels_with_new_state() {
+    // Of a minimised panel only the indicators are kept up, of a hidden one nothing: what comes back is sent in full.
+    std::erase_if(presented_, [](const Presented& known) { return known.state != known.panel->window_state(); });
     for (panel::Panel* panel : host_.open_panels()) {
-        if (panel->visible() && std::find(presented_.begin(), presented_.end(), panel) == presented_.end()) {
-            presented_.push_back(panel);
-            const auto text = new_text();
-            *text += "{\"type\":\"panel\",\"panel\":";
-            append_panel(*text, *panel);
-            *text += '}';
-            panel->clear_marks();
-            server_.broadcast(text);
+        const bool known = std::any_of(presented_.begin(), presented_.end(),
+                                       [panel](const Presented& presented) { return presented.panel == panel; });
+        if (known) {
+            continue;
         }
+        presented_.push_back({panel, panel->window_state()});
+        const auto text = new_text();
+        *text += "{\"type\":\"panel\",\"panel\":";
+        append_panel(*text, *panel);
+        *text += '}';
+        panel->clear_marks();
+        server_.broadcast(text);
     }
 }
 

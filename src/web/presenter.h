@@ -33,7 +33,7 @@ class Presenter {
     void await_turn();
     // Sends what has changed since the last turn.
     void turn();
-    void send_newly_shown_panels();
+    void send_panels_with_new_state();
     void send_snapshot(PageSession& page) const;
     void send_changes(panel::Panel& panel);
     void send_windows();
@@ -57,7 +57,12 @@ class Presenter {
     std::string program_name_;
     boost::asio::steady_timer timer_;
     std::shared_ptr<int> alive_ = std::make_shared<int>(0);
-    std::vector<const panel::Panel*> presented_;  // the panels that the pages have in full
+    // The open panels as the pages have got them in full.
+    struct Presented {
+        const panel::Panel* panel;
+        panel::WindowState state;
+    };
+    std::vector<Presented> presented_;
     bool windows_changed_ = false;
     bool boxes_changed_ = false;
     unsigned turns_ = 0;

@@ -181,6 +181,9 @@ async function minimised_panels_wait_in_the_task_bar({ page, program }) {
   const window = (name, title, state) => ({ name, title, state, modal: false });
   program.tell({ type: "windows", windows: [window("SimCom", "Active Offsets", "minimised"), window("frmStatus", "Run", "shown")] });
   await page.locator('[data-panel="SimCom"]').waitFor({ state: "detached" });
+  program.tell({ type: "windows", windows: [window("SimCom", "Active Offsets", "minimised"), window("frmStatus", "Run", "minimised")] });
+  program.tell({ type: "changes", panel: "frmStatus", controls: [{ control: "BoxRun", caption: "State", text: "Halted", colour: 49152 }] });
+  await page.locator('[data-task="frmStatus"] [data-lamp="BoxRun"]', { hasText: "Halted" }).waitFor();
   await page.locator('[data-task="SimCom"]').click();
   await expectHeard(program, { type: "activate", panel: "SimCom" });
 }

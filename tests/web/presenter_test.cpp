@@ -117,6 +117,29 @@ TEST_F(PresenterTest, changes_go_out_marked_controls_only_and_at_most_twenty_tim
     EXPECT_GE(std::chrono::steady_clock::now() - start, 250ms);
 }
 
+TEST_F(PresenterTest, the_lamps_of_a_minimised_panel_go_on) {
+    TestPage page(context);
+    page.open(server);
+    page.receive("snapshot");
+    host.minimise(sample);
+    page.receive("panel");
+    sample.BoxSpeed.text = "12";
+    sample.BoxRun.text = "Running";
+    const json::object changes = page.receive("changes");
+    ASSERT_EQ(changes.at("controls").as_array().size(), 1U);
+    EXPECT_EQ(changes.at("controls").at(0).at("control"), "BoxRun");
+    EXPECT_EQ(changes.at("controls").at(0).at("text"), "Running");
+}
+
+TEST_F(PresenterTest, a_panel_that_is_minimised_as_soon_as_it_is_shown_is_known_to_the_pages) {
+    TestPage page(context);
+    page.open(server);
+    page.receive("snapshot");
+    host.show(other);
+    host.minimise(other);
+    EXPECT_EQ(page.receive("panel").at("panel").at("name"), "frmOther");
+}
+
 TEST_F(PresenterTest, a_panel_out_of_sight_is_silent_and_comes_back_whole) {
     TestPage page(context);
     page.open(server);
@@ -127,10 +150,12 @@ TEST_F(PresenterTest, a_panel_out_of_sight_is_silent_and_comes_back_whole) {
         } else {
             host.minimise(sample);
         }
-        sample.BoxSpeed.text = hides ? "hidden" : "minimised";
         const json::object windows = page.receive("windows");
         EXPECT_EQ(windows.at("windows").as_array().size(), hides ? 0U : 1U);
+        page.on_message = [](const json::object& message) { EXPECT_NE(message.at("type"), "changes") << message; };
+        sample.BoxSpeed.text = hides ? "hidden" : "minimised";
         page.receive("beat");
+        page.on_message = {};
         host.show(sample);
         const json::object shown = page.receive("panel");
         EXPECT_EQ(item(shown.at("panel").as_object(), 0).at("text"), hides ? "hidden" : "minimised");

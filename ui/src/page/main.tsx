@@ -2,10 +2,11 @@
 import { render } from "preact";
 import { useEffect, useMemo, useRef } from "preact/hooks";
 import { BoxView } from "./box_view";
+import { colourClass, colourStyle } from "./colour";
 import { isStale, linkOf, usePageLink } from "./page_link";
 import { PanelView } from "./panel_view";
 import type { PageMessage, WindowInfo } from "./protocol";
-import type { PageState } from "./state";
+import type { PageState, PanelState } from "./state";
 import "./page.css";
 
 type Send = (message: PageMessage) => void;
@@ -25,7 +26,35 @@ function useSteadyOrder(windows: WindowInfo[]): WindowInfo[] {
   }, [windows]);
 }
 
-function TaskBar({ windows, front, rests, send }: { windows: WindowInfo[]; front?: string; rests: boolean; send: Send }) {
+// What a minimised panel goes on telling: its indicators.
+function Lamps({ panel }: { panel?: PanelState }) {
+  const lamps = [...(panel?.controls.values() ?? [])].filter((control) => control.kind === "indicator" && control.visible);
+  return (
+    <span class="lamps">
+      {lamps.map((lamp) => (
+        <span
+          key={lamp.control}
+          class={`lamp${colourClass(lamp.colour)}`}
+          style={colourStyle(lamp.colour)}
+          data-lamp={lamp.control}
+          title={lamp.caption}
+        >
+          {lamp.text}
+        </span>
+      ))}
+    </span>
+  );
+}
+
+interface TaskBarProps {
+  windows: WindowInfo[];
+  panels: ReadonlyMap<string, PanelState>;
+  front?: string;
+  rests: boolean;
+  send: Send;
+}
+
+function TaskBar({ windows, panels, front, rests, send }: TaskBarProps) {
   return (
     <nav class="task-bar" aria-label="Open panels" inert={rests}>
       {windows.map((window) => (
@@ -40,6 +69,7 @@ function TaskBar({ windows, front, rests, send }: { windows: WindowInfo[]; front
         >
           <span class="task-title">{window.title}</span>
           {window.state === "minimised" && <span class="task-note">minimised</span>}
+          {window.state === "minimised" && <Lamps panel={panels.get(window.name)} />}
         </button>
       ))}
     </nav>
@@ -82,6 +112,7 @@ function Empty({ state, windows, send }: { state: PageState; windows: WindowInfo
       {windows.map((window) => (
         <button type="button" class="restore" key={window.name} onClick={() => send({ type: "activate", panel: window.name })}>
           {window.title}
+          <Lamps panel={state.panels.get(window.name)} />
           <span>Show this panel</span>
         </button>
       ))}
@@ -164,7 +195,7 @@ function Page() {
       <Head state={state} />
       <Banner state={state} />
       <div inert={!canWork}>
-        <TaskBar windows={windows} front={frontOf(state.windows)} rests={modal !== undefined} send={send} />
+        <TaskBar windows={windows} panels={state.panels} front={frontOf(state.windows)} rests={modal !== undefined} send={send} />
         <Panels state={state} windows={windows} modal={modal} send={send} />
       </div>
       {top && <BoxView key={top.id} box={top} more={state.boxes.length - 1} linked={state.socket === "open"} send={send} />}
