@@ -41,13 +41,9 @@ void BusLoad::take_second(std::uint64_t bytes_written, int capacity) {
 
 void BusLoad::describe(int interval_ms, std::string& text) const {
     text.clear();
-    if (state_ == State::too_slow) {
-        text.append("Too slow: ");
-    }
     append_number(text, bytes_per_second_);
     text.append(" of ");
     append_number(text, static_cast<std::uint64_t>(capacity_));
-    text.append(" bytes/s");
     if (state_ != State::too_slow) {
         return;
     }
@@ -56,11 +52,11 @@ void BusLoad::describe(int interval_ms, std::string& text) const {
         bytes_per_second_ * static_cast<std::uint64_t>(interval_ms) / static_cast<std::uint64_t>(capacity_) + 1;
     const std::uint64_t proposed_ms = (needed_ms + kIntervalStepMs - 1) / kIntervalStepMs * kIntervalStepMs;
     if (proposed_ms <= kLongestIntervalMs) {
-        text.append(", set ");
+        text.append(": set ");
         append_number(text, proposed_ms);
         text.append(" ms");
     } else {
-        text.append(", too many gauges");
+        text.append(": too many gauges");
     }
 }
 

@@ -18,7 +18,7 @@ class BusLoad {
 
     State state() const { return state_; }
     std::uint64_t bytes_per_second() const { return bytes_per_second_; }
-    // Writes what the user reads into `text`: "412 of 3840 bytes/s", or what to do about a line that is too slow.
+    // Writes what the user reads into `text`: "412 of 3840", and what to do about a line that is too slow.
     // `interval_ms` is the time between updates in force. Allocates nothing once `text` has its capacity.
     void describe(int interval_ms, std::string& text) const;
 

@@ -55,7 +55,7 @@ frmStatus::frmStatus(const RunParts& parts)
       boxNrofOffsets(*this, "boxNrofOffsets", "Simulator ports open"),
       boxSimulator(*this, "boxSimulator", "Simulator"),
       boxGaugePort(*this, "boxGaugePort", "Gauge bus"),
-      boxBusLoad(*this, "boxBusLoad", "Bus load"),
+      boxBusLoad(*this, "boxBusLoad", "Bus load (bytes/s)"),
       boxLongestTick(*this, "boxLongestTick", "Longest update (ms)"),
       boxMissedTicks(*this, "boxMissedTicks", "Updates missed"),
       ProcessTimer(parts.platform.loop, "frmStatus.ProcessTimer", kProcessInterval, [this] { ProcessTimer_Timer(); }),
@@ -150,15 +150,14 @@ void frmStatus::set_tool_tips() {
 // Label37 bears the same name as BoxCurrentConfig and has no place of its own.
 void frmStatus::arrange() {
     set_layout(panel::column({
-        panel::row({BoxRun, boxSimulator, boxGaugePort, BoxCurrentConfig, LabelVersion}),
+        panel::row({BoxRun, boxSimulator, boxGaugePort, boxBusLoad, BoxCurrentConfig, LabelVersion}),
         panel::row({cmdRun, cmdStop, cmdconfig, cmdHide, CmdExit}),
         panel::row({cmdShowPorts, cmdShowECStatus, cmdShowIOM, cmdShowIOM2, CmdShowYokes}),
         panel::frame("Flight", {panel::row({BoxIAS, boxAltitude, BoxVS, BoxHea, boxCompass}),
                                 panel::row({boxPitch, boxBank, BoxAirPressHg, BoxAirPressmBar})}),
         panel::frame("Aircraft", {panel::row({boxVoltage, BoxInstrLights, boxNavLights})}),
         panel::frame("Gauge updates", {panel::row({SliderXferTimer, BoxXferProcessTimer}),
-                                       panel::row({boxNrofOffsets, frmXferCount, boxLongestTick, boxMissedTicks}),
-                                       panel::row({boxBusLoad})}),
+                                       panel::row({boxNrofOffsets, frmXferCount, boxLongestTick, boxMissedTicks})}),
     }));
 }
 

@@ -37,7 +37,7 @@ function Lamps({ panel }: { panel?: PanelState }) {
           class={`lamp${colourClass(lamp.colour)}`}
           style={colourStyle(lamp.colour)}
           data-lamp={lamp.control}
-          title={lamp.caption}
+          title={lamp.caption === "" ? lamp.text : `${lamp.caption}: ${lamp.text}`}
         >
           {lamp.text}
         </span>
