@@ -5,7 +5,7 @@
 #include <charconv>
 #include <optional>
 
-#include "bench/devices/needle_gauges.h"
+#include "bench/devices/stepper.h"
 #include "support/failure.h"
 
 namespace bench {
@@ -87,6 +87,22 @@ std::string BenchCommands::carry_out(std::string_view line) {
     return "no such command\n" + help();
 }
 
+BenchCommands::Target BenchCommands::target_of(std::string_view word) const {
+    const std::size_t point = word.find('.');
+    const int id = number_of(word.substr(point == std::string_view::npos ? 0 : point + 1)).value_or(-1);
+    if (point == std::string_view::npos) {
+        return {devices_.bus_with(id), id};
+    }
+    const BenchLine* const line = devices_.line(number_of(word.substr(0, point)).value_or(0));
+    if (line == nullptr || id < 0) {
+        return {};
+    }
+    if (line->bus != nullptr && line->bus->device(id) != nullptr) {
+        return {line->bus, id};
+    }
+    return {nullptr, id, id == LineInstrument::kNoId ? line->instrument : nullptr};
+}
+
 std::string BenchCommands::attempt(const Row& row, const Words& words) {
     try {
         return (this->*row.handler)(words);
@@ -133,7 +149,7 @@ std::string BenchCommands::power(const Words& words) {
 
 std::string BenchCommands::noise(const Words& words) {
     const BenchLine* line = devices_.line(number_of(words[1]).value_or(0));
-    if (line == nullptr || line->bus == nullptr) {
+    if (line == nullptr || (line->bus == nullptr && line->instrument == nullptr)) {
         return no_such_line(words[1]);
     }
     const int times = words.size() > 2 ? number_of(words[2]).value_or(0) : 1;
@@ -141,16 +157,19 @@ std::string BenchCommands::noise(const Words& words) {
         return "times are 1 to " + std::to_string(kMostNoise);
     }
     for (int time = 0; time < times; ++time) {
-        line->bus->send_noise(kNoiseBytes);
+        if (line->bus != nullptr) {
+            line->bus->send_noise(kNoiseBytes);
+        } else {
+            line->instrument->send_noise(kNoiseBytes);
+        }
     }
     return "ok";
 }
 
 std::string BenchCommands::fault(const Words& words) {
-    const int id = number_of(words[1]).value_or(0);
-    BusController* bus = devices_.bus_with(id);
+    const Target target = target_of(words[1]);
     const std::optional<Fault> fault = fault_of_name(words[2]);
-    if (bus == nullptr) {
+    if (target.bus == nullptr && target.instrument == nullptr) {
         return no_such_device(words[1]);
     }
     if (!fault) {
@@ -160,37 +179,36 @@ std::string BenchCommands::fault(const Words& words) {
     if (!replies || (words.size() > 3 && *replies < 1)) {
         return "replies are a number above 0";
     }
-    bus->set_fault(id, *fault, *replies);
+    if (target.bus != nullptr) {
+        target.bus->set_fault(target.id, *fault, *replies);
+    } else {
+        target.instrument->set_fault(*fault, *replies);
+    }
     return "ok";
 }
 
 std::string BenchCommands::knock(const Words& words) {
-    const int id = number_of(words[1]).value_or(0);
-    BusController* bus = devices_.bus_with(id);
-    auto* gauge = bus == nullptr ? nullptr : dynamic_cast<NeedleGauge*>(bus->device(id));
+    const Target target = target_of(words[1]);
     const int needle = number_of(words[2]).value_or(0);
     const std::optional<int> steps = number_of(words[3]);
-    if (gauge == nullptr || needle < 1 || needle > gauge->needle_count()) {
-        return "there is no such needle";
-    }
     if (!steps || *steps < -kStepsPerTurn || *steps > kStepsPerTurn) {
         return "steps are -1080 to 1080";
     }
-    gauge->lose_steps(needle, *steps);
-    return "ok";
+    const bool knocked = target.bus != nullptr          ? target.bus->device(target.id)->knock(needle, *steps)
+                         : target.instrument != nullptr ? target.instrument->knock(needle, *steps)
+                                                        : false;
+    return knocked ? "ok" : "there is no such needle";
 }
 
 std::string BenchCommands::turn(const Words& words) {
-    const int id = number_of(words[1]).value_or(0);
-    BusController* bus = devices_.bus_with(id);
-    if (bus == nullptr) {
+    const Target target = target_of(words[1]);
+    if (target.bus == nullptr && target.instrument == nullptr) {
         return no_such_device(words[1]);
     }
     const std::optional<int> clicks = number_of(words[3]);
-    if (!clicks || !bus->device(id)->operate(words[2], *clicks)) {
-        return "the device has no control " + std::string(words[2]);
-    }
-    return "ok";
+    const bool turned = clicks && (target.bus != nullptr ? target.bus->device(target.id)->operate(words[2], *clicks)
+                                                         : target.instrument->operate(words[2], *clicks));
+    return turned ? "ok" : "the device has no control " + std::string(words[2]);
 }
 
 std::string BenchCommands::show_help(const Words&) {

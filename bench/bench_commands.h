@@ -40,6 +40,13 @@ class BenchCommands {
     };
     static std::span<const Row> rows();
     std::string attempt(const Row& row, const Words& words);
+    // What "17" (a bus id), "1.17" (port and bus id) or "5.0" (the unit of a line) means; both null for nobody.
+    struct Target {
+        BusController* bus = nullptr;
+        int id = 0;
+        LineInstrument* instrument = nullptr;
+    };
+    Target target_of(std::string_view word) const;
 
     std::string unplug(const Words& words);
     std::string plug(const Words& words);

@@ -103,6 +103,27 @@ class CockpitView::DeltaSink : public StateSink {
     bool opened_ = false;
 };
 
+// Where an instrument stands, and what it suffers.
+struct CockpitView::Place {
+    int port;
+    int id;
+    Fault fault;
+};
+
+template <typename Visit>
+void CockpitView::for_each_instrument(Visit&& visit) const {
+    for (const BenchLine& line : devices_.lines()) {
+        if (line.instrument != nullptr) {
+            visit(Place{line.port, LineInstrument::kNoId, line.instrument->fault()}, *line.instrument);
+        }
+        for (int id = 1; line.bus != nullptr && id <= bus::kHighestGaugeId; ++id) {
+            if (const Device* device = line.bus->device(id)) {
+                visit(Place{line.port, id, line.bus->fault(id)}, *device);
+            }
+        }
+    }
+}
+
 const std::string& CockpitView::everything() {
     writer_.clear();
     writer_.begin_object().name("type").value("layout");
@@ -131,24 +152,18 @@ void CockpitView::write_layout() {
     writer_.name("lines").begin_array();
     for (const BenchLine& line : devices_.lines()) {
         writer_.begin_object().name("port").value(line.port).name("role").value(line.role);
-        writer_.name("simulated").value(line.bus != nullptr).end_object();
+        writer_.name("simulated").value(line.bus != nullptr || line.instrument != nullptr).end_object();
     }
     writer_.end_array().name("instruments").begin_array();
-    for (const BenchLine& line : devices_.lines()) {
-        for (int id = 1; line.bus != nullptr && id <= bus::kHighestGaugeId; ++id) {
-            if (const Device* device = line.bus->device(id)) {
-                write_device(line, id, *device);
-            }
-        }
-    }
+    for_each_instrument([this](const Place& place, const auto& instrument) {
+        write_instrument(place, instrument.identity(), devices_.print_of(instrument));
+    });
     writer_.end_array();
 }
 
-void CockpitView::write_device(const BenchLine& line, int id, const Device& device) {
-    const FacePrint& print = devices_.print_of(device);
-    const Identity& identity = device.identity();
-    writer_.begin_object().name("key").value(Key(line.port, id).view());
-    writer_.name("port").value(line.port).name("id").value(id).name("type").value(identity.type);
+void CockpitView::write_instrument(const Place& place, const Identity& identity, const FacePrint& print) {
+    writer_.begin_object().name("key").value(Key(place.port, place.id).view());
+    writer_.name("port").value(place.port).name("id").value(place.id).name("type").value(identity.type);
     writer_.name("model").value(identity.model).name("version").value(identity.version);
     writer_.name("face").value(print.face).name("typeName").value(print.type_name);
     writer_.name("needles").begin_array();
@@ -158,7 +173,11 @@ void CockpitView::write_device(const BenchLine& line, int id, const Device& devi
         for (const ScalePoint& point : needle.points) {
             writer_.begin_array().value(point.value).value(point.position).end_array();
         }
-        writer_.end_array().end_object();
+        writer_.end_array();
+        if (needle.display != 0) {
+            writer_.name("display").value(needle.display);
+        }
+        writer_.end_object();
     }
     writer_.end_array().end_object();
 }
@@ -173,7 +192,7 @@ bool CockpitView::write_line_values(Told& told) {
     bool open = false;
     for (const BenchLine& line : devices_.lines()) {
         const Key key(line.port);
-        DeltaSink sink(writer_, told[line.device.get()], "lineValues", open, key.view());
+        DeltaSink sink(writer_, told[&line], "lineValues", open, key.view());
         const LineStatistics& statistics = line.device->statistics();
         sink.flag("plugged", plugged_(line.port));
         sink.number("bytesPerSecond", static_cast<double>(line.device->bytes_per_second()));
@@ -192,17 +211,13 @@ bool CockpitView::write_line_values(Told& told) {
 
 bool CockpitView::write_device_values(Told& told) {
     bool open = false;
-    for (const BenchLine& line : devices_.lines()) {
-        for (int id = 1; line.bus != nullptr && id <= bus::kHighestGaugeId; ++id) {
-            if (const Device* device = line.bus->device(id)) {
-                const Key key(line.port, id);
-                DeltaSink sink(writer_, told[device], "deviceValues", open, key.view());
-                sink.text("fault", fault_name(line.bus->fault(id)));
-                device->show(sink);
-                open = sink.finish();
-            }
-        }
-    }
+    for_each_instrument([&](const Place& place, const auto& instrument) {
+        const Key key(place.port, place.id);
+        DeltaSink sink(writer_, told[&instrument], "deviceValues", open, key.view());
+        sink.text("fault", fault_name(place.fault));
+        instrument.show(sink);
+        open = sink.finish();
+    });
     if (open) {
         writer_.end_object();
     }

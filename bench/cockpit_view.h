@@ -36,8 +36,13 @@ class CockpitView {
     // Compares the values that come with the ones last told and writes those that differ.
     class DeltaSink;
 
+    struct Place;
+    // Calls `visit` with the place of every instrument and the instrument itself, a Device or a LineInstrument.
+    template <typename Visit>
+    void for_each_instrument(Visit&& visit) const;
+
     void write_layout();
-    void write_device(const BenchLine& line, int id, const Device& device);
+    void write_instrument(const Place& place, const Identity& identity, const FacePrint& print);
     // Write what differs from what was told and remember it; false when there was nothing to write.
     bool write_values(Told& told);
     bool write_line_values(Told& told);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "bench/devices/device_families.h"
+#include "bench/devices/engine_cluster.h"
 
 namespace bench {
 
@@ -17,55 +17,15 @@ struct PortRole {
 };
 
 // Lines whose devices are not simulated yet; they take everything and say nothing.
-constexpr std::array<PortRole, 8> kSilentPorts = {{
+constexpr std::array<PortRole, 7> kSilentPorts = {{
     {&CoreTables::GaugeBusPort2, "Gauge bus 2"},
     {&CoreTables::GaugeBusPort3, "Gauge bus 3"},
     {&CoreTables::GaugeBusPort4, "Gauge bus 4"},
-    {&CoreTables::ClusterPort, "Engine cluster"},
     {&CoreTables::IomPort1, "IO module 1"},
     {&CoreTables::IomPort2, "IO module 2"},
     {&CoreTables::YokePort1, "Yoke 1"},
     {&CoreTables::YokePort2, "Yoke 2"},
 }};
-
-// The points of a plate in ascending order; minimum and maximum alone when it has no others.
-std::vector<ScalePoint> scale_of(const tables::Plate& plate) {
-    std::vector<ScalePoint> points;
-    const int last =
-        std::min(tables::kFirstPlatePoint + static_cast<int>(plate.PlateValue[1]), tables::kLastPlatePoint);
-    for (int item = tables::kFirstPlatePoint; item <= last; ++item) {
-        const auto index = static_cast<std::size_t>(item);
-        if (points.empty() || plate.PlateValue[index] > points.back().value) {
-            points.push_back({plate.PlateValue[index], plate.PlatePosition[index]});
-        }
-    }
-    if (points.size() < 2) {
-        points = {{plate.PlateValue[2], plate.PlatePosition[2]}, {plate.PlateValue[3], plate.PlatePosition[3]}};
-    }
-    return points;
-}
-
-NeedlePrint print_needle(const CoreTables& tables, int function, int sequence, int plate) {
-    NeedlePrint print;
-    if (function > 0 && function < tables::kFunctionRows) {
-        print.title = tables.functions[static_cast<std::size_t>(function)].FunctionShortName;
-    }
-    print.sequence = sequence;
-    if (plate >= 0 && plate < tables.PlateCount()) {
-        print.plate = tables.plates[static_cast<std::size_t>(plate)].PlateName;
-        print.points = scale_of(tables.plates[static_cast<std::size_t>(plate)]);
-    }
-    return print;
-}
-
-FacePrint print_face(const CoreTables& tables, const tables::GaugeRow& row) {
-    FacePrint print;
-    print.face = device_family(row.GaugeType).face;
-    print.type_name = tables::gauge_type_name(tables, row.GaugeType);
-    print.needles.push_back(print_needle(tables, row.GaugeFunction1, row.GaugeSeqNr1, row.GaugePlate1));
-    print.needles.push_back(print_needle(tables, row.GaugeFunction2, row.GaugeSeqNr2, row.GaugePlate2));
-    return print;
-}
 
 }  // namespace
 
@@ -75,6 +35,10 @@ DeviceSet::DeviceSet(platform::EventLoop& loop, const CoreTables& tables, ReplyT
         BusController& bus = *controller;
         add_gauges(tables, bus);
         add_line(tables.GaugeBusPort1, "Gauge bus", std::move(controller), &bus);
+    }
+    if (tables.ClusterPort > 0 && line(tables.ClusterPort) == nullptr) {
+        add_instrument(tables.ClusterPort, "Engine cluster", std::make_unique<EngineCluster>(loop, timing),
+                       print_engine_cluster(tables));
     }
     for (const PortRole& place : kSilentPorts) {
         const int port = tables.*place.number;
@@ -86,6 +50,13 @@ DeviceSet::DeviceSet(platform::EventLoop& loop, const CoreTables& tables, ReplyT
 
 void DeviceSet::add_line(int port, const char* role, std::unique_ptr<LineDevice> device, BusController* bus) {
     lines_.push_back({port, role, std::move(device), bus});
+}
+
+void DeviceSet::add_instrument(int port, const char* role, std::unique_ptr<LineInstrument> instrument,
+                               FacePrint print) {
+    LineInstrument* const shown = instrument.get();
+    prints_[shown] = std::move(print);
+    lines_.push_back({port, role, std::move(instrument), nullptr, shown});
 }
 
 void DeviceSet::add_gauges(const CoreTables& tables, BusController& bus) {
@@ -114,8 +85,8 @@ BusController* DeviceSet::bus_with(int id) const {
     return nullptr;
 }
 
-const FacePrint& DeviceSet::print_of(const Device& device) const {
-    const auto found = prints_.find(&device);
+const FacePrint& DeviceSet::print_at(const void* device) const {
+    const auto found = prints_.find(device);
     return found == prints_.end() ? blank_print_ : found->second;
 }
 

@@ -6,38 +6,19 @@
 #include <vector>
 
 #include "bench/devices/bus_controller.h"
-#include "bench/devices/line_device.h"
+#include "bench/devices/line_instrument.h"
+#include "bench/face_print.h"
 #include "tables/core_tables.h"
 
 namespace bench {
-
-// One point of a printed scale: at this value the needle stands at this position (0..1079).
-struct ScalePoint {
-    double value = 0;
-    int position = 0;
-};
-
-// What is printed for one needle of an instrument: its function's name and its plate.
-struct NeedlePrint {
-    std::string title;  // empty = the needle has no function
-    int sequence = 1;   // engine or side
-    std::string plate;
-    std::vector<ScalePoint> points;
-};
-
-// What is printed on the face of an instrument.
-struct FacePrint {
-    const char* face = "";  // name of a face of the page
-    std::string type_name;
-    std::vector<NeedlePrint> needles;
-};
 
 // One serial line with what hangs on it.
 struct BenchLine {
     int port = 0;
     std::string role;  // "Gauge bus", "Engine cluster", ...
     std::unique_ptr<LineDevice> device;
-    BusController* bus = nullptr;  // the device, when it is a controller with gauges
+    BusController* bus = nullptr;          // the device, when it is a controller with gauges
+    LineInstrument* instrument = nullptr;  // the device, when it is an instrument itself
 };
 
 // All simulated hardware of one cockpit: a line for every port number of its configuration, and on the gauge bus a
@@ -52,16 +33,19 @@ class DeviceSet {
     // The controller that has a device under this id, or null.
     BusController* bus_with(int id) const;
     // What is printed on a device's face; it stays with the device when its id changes.
-    const FacePrint& print_of(const Device& device) const;
+    const FacePrint& print_of(const Device& device) const { return print_at(&device); }
+    const FacePrint& print_of(const LineInstrument& instrument) const { return print_at(&instrument); }
     // Changes whenever devices come, go or change their id.
     std::uint64_t layout_version() const;
 
   private:
     void add_line(int port, const char* role, std::unique_ptr<LineDevice> device, BusController* bus);
+    void add_instrument(int port, const char* role, std::unique_ptr<LineInstrument> instrument, FacePrint print);
+    const FacePrint& print_at(const void* device) const;
     void add_gauges(const tables::CoreTables& tables, BusController& bus);
 
     std::vector<BenchLine> lines_;
-    std::map<const Device*, FacePrint> prints_;
+    std::map<const void*, FacePrint> prints_;
     FacePrint blank_print_;
 };
 

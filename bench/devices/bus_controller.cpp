@@ -1,23 +1,19 @@
 #include "bench/devices/bus_controller.h"
 
-#include <algorithm>
-
 #include "bench/devices/device_families.h"
 
 namespace bench {
 
 namespace {
-constexpr platform::Milliseconds kLateReply{300};  // beyond every wait of a running program
 constexpr std::size_t kHalfReport = 12;
-constexpr int kWrongLastByte = 0x55;
 constexpr int kWrongType = 250;
-constexpr std::string_view kNoise = "\x03\x7F\xC1";
 }  // namespace
 
 BusController::BusController(platform::EventLoop& loop, ReplyTiming timing)
-    : LineDevice(loop),
-      timing_(timing),
-      reply_timer_(loop, "bus controller", platform::Milliseconds(1), [this] { send_due_replies(); }) {}
+    : LineDevice(loop), replies_(loop, timing, [this](const std::string& bytes) {
+          count_report();
+          send(bytes);
+      }) {}
 
 void BusController::put(int id, std::unique_ptr<Device> device) {
     slots_.at(static_cast<std::size_t>(id)) = Slot{std::move(device)};
@@ -45,7 +41,6 @@ void BusController::set_fault(int id, Fault fault, int replies) {
 void BusController::power_cycle() {
     reader_ = BusFrameReader();
     replies_.clear();
-    reply_timer_.stop();
     for (Slot& slot : slots_) {
         if (slot.device) {
             slot.device->power_on();
@@ -137,7 +132,7 @@ void BusController::answer(int id) {
             report.set_byte(static_cast<int>(bus::kReportLength), kWrongLastByte);
             break;
         case Fault::half_report:
-            return queue_reply(std::string(report.view().substr(0, kHalfReport)), timing_.think_time);
+            return replies_.add(std::string(report.view().substr(0, kHalfReport)));
         case Fault::wrong_id:
             report.set_byte(bus::kReportGaugeIdByte, id % bus::kHighestGaugeId + 1);
             break;
@@ -145,42 +140,13 @@ void BusController::answer(int id) {
             report.set_byte(bus::kReportTypeByte, kWrongType);
             break;
         case Fault::late_reply:
-            return queue_reply(std::string(report.view()), kLateReply);
+            return replies_.add(std::string(report.view()), kLateReply);
         case Fault::noise:
-            return queue_reply(std::string(kNoise) + std::string(report.view()), timing_.think_time);
+            return replies_.add(std::string(kNoiseBeforeReply) + std::string(report.view()));
         case Fault::none:
             break;
     }
-    queue_reply(std::string(report.view()), timing_.think_time);
-}
-
-void BusController::queue_reply(std::string bytes, platform::Duration think_time) {
-    const platform::TimePoint start = std::max(loop_.now() + think_time, line_busy_until_);
-    line_busy_until_ = start + timing_.byte_time * static_cast<std::int64_t>(bytes.size());
-    replies_.push_back({start, std::move(bytes)});
-    if (replies_.size() == 1) {
-        wait_for_next_reply();
-    }
-}
-
-void BusController::send_due_replies() {
-    while (!replies_.empty() && replies_.front().due <= loop_.now()) {
-        const std::string bytes = std::move(replies_.front().bytes);
-        replies_.pop_front();
-        count_report();
-        send(bytes);
-    }
-    wait_for_next_reply();
-}
-
-void BusController::wait_for_next_reply() {
-    if (replies_.empty()) {
-        reply_timer_.stop();
-        return;
-    }
-    const auto left = std::chrono::ceil<platform::Milliseconds>(replies_.front().due - loop_.now());
-    reply_timer_.set_interval(std::max(left, platform::Milliseconds(1)));
-    reply_timer_.start();
+    replies_.add(std::string(report.view()));
 }
 
 }  // namespace bench

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <deque>
 #include <memory>
 #include <string>
 
@@ -9,19 +8,9 @@
 #include "bench/devices/device.h"
 #include "bench/devices/faults.h"
 #include "bench/devices/line_device.h"
+#include "bench/devices/reply_queue.h"
 
 namespace bench {
-
-// How long a device takes to begin its answer, and how long each byte keeps the line busy. A report is handed over in
-// one piece when it begins; the line takes its own time for it.
-struct ReplyTiming {
-    platform::Duration think_time = std::chrono::milliseconds(2);
-    platform::Duration byte_time = std::chrono::microseconds(260);  // 10 bits at 38400 baud
-};
-
-// For a line that takes no time, such as a pseudo-terminal: a report is there when its last byte would have come.
-inline constexpr ReplyTiming kTimelessLine = {std::chrono::microseconds(2000 + 25 * 260),
-                                              std::chrono::microseconds(260)};
 
 // A controller with the gauges and instruments that hang on it, at the end of a gauge bus line. Takes 6-byte frames in
 // any pieces, hands each command to the device with that id, and sends a device's 25-byte report when it is asked.
@@ -71,11 +60,6 @@ class BusController : public LineDevice {
         Fault fault = Fault::none;
         int faulty_replies = 0;
     };
-    struct PendingReply {
-        platform::TimePoint due;  // when its first byte goes out
-        std::string bytes;
-    };
-
     static bool valid(int id) { return id >= 1 && id <= bus::kHighestGaugeId; }
     void put(int id, std::unique_ptr<Device> device);
     // The slot of a device that hears what it is told, or null.
@@ -84,16 +68,10 @@ class BusController : public LineDevice {
     void change_id(int old_id, int new_id);
     void answer(int id);
     Fault next_fault(Slot& slot);
-    void queue_reply(std::string bytes, platform::Duration think_time);
-    void send_due_replies();
-    void wait_for_next_reply();
 
-    ReplyTiming timing_;
     BusFrameReader reader_;
     std::array<Slot, bus::kHighestGaugeId + 1> slots_;
-    std::deque<PendingReply> replies_;
-    platform::TimePoint line_busy_until_{};
-    platform::Timer reply_timer_;
+    ReplyQueue replies_;
     std::uint64_t frames_for_nobody_ = 0;
     std::uint64_t refused_id_changes_ = 0;
     std::uint64_t layout_version_ = 0;

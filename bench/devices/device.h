@@ -80,6 +80,9 @@ class Device {
     void power_on();
     // A knob is turned by so many clicks, or a switch set to a position, by hand. False when there is no such control.
     virtual bool operate(std::string_view /*control*/, int /*amount*/) { return false; }
+    // Pushes needle 1.. out of its place by so many steps, until it is recalibrated. False when there is no such
+    // needle.
+    virtual bool knock(int /*needle*/, int /*steps*/) { return false; }
 
   protected:
     virtual Answer take_command(const Command& command) = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "bench/devices/engine_cluster_gauge.h"
 #include "bench/devices/generic_device.h"
 #include "bench/devices/needle_gauges.h"
 
@@ -23,6 +24,7 @@ constexpr auto kFamilies = std::to_array<DeviceFamily>({
     {.type = 4, .face = "needle_gauge", .create = create<NeedleGauge>},
     {.type = 5, .face = "needle_gauge", .create = create<NeedleGauge>},
     {.type = 6, .face = "needle_gauge", .create = create<NeedleGauge>},
+    {.type = 8, .face = "engine_cluster_gauge", .create = create<EngineClusterGauge>},
 });
 
 constexpr DeviceFamily kUnknownFamily = {.type = 0, .face = "generic", .create = create<GenericDevice>};

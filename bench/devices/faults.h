@@ -20,6 +20,10 @@ enum class Fault : std::uint8_t {
     noise,         // stray bytes run before the report
 };
 
+// What a reply that suffers corrupt_byte ends with, and what runs before one that suffers noise.
+inline constexpr int kWrongLastByte = 0x55;
+inline constexpr std::string_view kNoiseBeforeReply = "\x03\x7F\xC1";
+
 // The name of a fault as it is written in commands ("drop_reply"), and back; nothing for a text that is none.
 std::string_view fault_name(Fault fault);
 std::optional<Fault> fault_of_name(std::string_view name);

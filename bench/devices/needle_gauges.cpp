@@ -77,6 +77,14 @@ void NeedleGauge::lose_steps(int needle, int steps) {
     stepper(needle).lose_steps(steps * kQuartersPerStep);
 }
 
+bool NeedleGauge::knock(int needle, int steps) {
+    if (needle < 1 || needle > needle_count_) {
+        return false;
+    }
+    lose_steps(needle, steps);
+    return true;
+}
+
 Device::Answer NeedleGauge::take_command(const Command& command) {
     switch (command.number) {
         case bus::kCommandRecalibrate:

@@ -48,6 +48,7 @@ class NeedleGauge : public Device {
 
     // Knocks a needle out of its place by so many steps, until the next calibration.
     void lose_steps(int needle, int steps);
+    bool knock(int needle, int steps) override;
 
   protected:
     Answer take_command(const Command& command) override;

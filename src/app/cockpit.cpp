@@ -9,11 +9,10 @@ struct LaterPanel {
     const char* name;
     const char* title;
 };
-constexpr std::array<LaterPanel, 7> kLaterPanels = {{
+constexpr std::array<LaterPanel, 6> kLaterPanels = {{
     {"FrmMainConfigure", "Configuration"},
     {"SaveConfig", "Save configuration"},
     {"frmTestFunction", "Test a function"},
-    {"frmStatusEC", "Engine cluster"},
     {"frmStatusIOM", "IO module 1"},
     {"frmstatusIOM2", "IO module 2"},
     {"frmStatusFFB", "Force feedback yokes"},
@@ -29,10 +28,13 @@ Cockpit::Cockpit(const platform::Platform& platform)
       ports_(platform_.boxes, tables_),
       gauge_bus_(platform_, tables_),
       run_panel_({platform_, tables_, sim_com_, gauge_bus_, ports_, panels_}),
+      cluster_panel_({platform_, tables_, sim_com_, ports_, panels_, run_panel_.context().cluster}),
       start_panel_({platform_, tables_, configuration_, client_, *this, panels_}) {
     panels_.add(start_panel_);
     panels_.add(run_panel_);
     panels_.add(sim_com_);
+    panels_.add(cluster_panel_);
+    run_panel_.set_participant(run::ParticipantPlace::cluster, &cluster_panel_);
     for (const LaterPanel& later : kLaterPanels) {
         placeholders_.push_back(std::make_unique<panel::PlaceholderPanel>(panels_, later.name, later.title));
         panels_.add(*placeholders_.back());

@@ -7,6 +7,7 @@
 
 #include "bus/gauge_bus.h"
 #include "bus/port_set.h"
+#include "cluster/frm_status_ec.h"
 #include "panel/panel_host.h"
 #include "panel/placeholder_panel.h"
 #include "platform/platform.h"
@@ -44,6 +45,7 @@ class Cockpit final : private simlink::RunStarter {
     bus::GaugeBus& gauge_bus() { return gauge_bus_; }
     bus::PortSet& ports() { return ports_; }
     run::frmStatus& run_panel() { return run_panel_; }
+    cluster::frmStatusEC& cluster_panel() { return cluster_panel_; }
     simlink::frmMain& start_panel() { return start_panel_; }
 
   private:
@@ -64,6 +66,7 @@ class Cockpit final : private simlink::RunStarter {
     bus::PortSet ports_;
     bus::GaugeBus gauge_bus_;
     run::frmStatus run_panel_;
+    cluster::frmStatusEC cluster_panel_;
     simlink::frmMain start_panel_;
     std::vector<std::unique_ptr<panel::PlaceholderPanel>> placeholders_;
 };

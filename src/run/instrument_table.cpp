@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "run/engine_cluster_gauge.h"
 #include "run/needle_gauges.h"
 #include "run/unsupported_gauges.h"
 
@@ -27,7 +28,7 @@ constexpr std::array kInstruments = {
     needle_row(5),
     needle_row(6),
     InstrumentRow{.code = 7},
-    InstrumentRow{.code = 8},
+    InstrumentRow{.code = 8, .set_up = set_up_engine_cluster_gauge, .tick = tick_engine_cluster_gauge},
     InstrumentRow{.code = 10, .set_up = set_up_bus_io_module},
     InstrumentRow{.code = 101, .first_tag = 'P', .second_tag = 'P'},
     InstrumentRow{.code = 103},

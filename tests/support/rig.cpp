@@ -81,7 +81,15 @@ void Rig::build_bench() {
         gauge_wire().record = false;
         bench::connect(controller, gauge_wire());
     }
+    if (file_tables_.ClusterPort > 0) {
+        connect_cluster(file_tables_.ClusterPort);
+    }
     machine.boxes.forget_shown();
+}
+
+void Rig::connect_cluster(int port) {
+    machine.serial_ports.wire(port).record = false;
+    bench::connect(cluster, machine.serial_ports.wire(port));
 }
 
 platform::manual::Wire& Rig::gauge_wire() {

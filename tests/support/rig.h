@@ -8,6 +8,7 @@
 
 #include "app/cockpit.h"
 #include "bench/devices/bus_controller.h"
+#include "bench/devices/engine_cluster.h"
 #include "bench/devices/needle_gauges.h"
 #include "platform/manual/manual_platform.h"
 #include "simhost/simulator.h"
@@ -32,6 +33,8 @@ class Rig {
     simhost::Simulator simulator;
     // The gauge bus of the configuration: its devices hang on the wire of GaugeBusPort1.
     bench::BusController controller{machine.loop};
+    // The stand-alone engine cluster, on the wire of the configuration's ClusterPort where it has one.
+    bench::EngineCluster cluster{machine.loop};
     app::Cockpit cockpit{machine.platform()};
 
     // --- Going on ---------------------------------------------------------------------------------------------------
@@ -65,6 +68,8 @@ class Rig {
     // --- The cockpit's devices --------------------------------------------------------------------------------------
 
     platform::manual::Wire& gauge_wire();
+    // Hangs the engine cluster on the wire of another port.
+    void connect_cluster(int port);
     bench::NeedleGauge& gauge(int id);
     // Sets speed and resolution of all gauges, as their dialogs do. Noise on the line can look like such a command.
     void set_gauges_up();
