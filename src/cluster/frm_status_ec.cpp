@@ -184,9 +184,10 @@ void frmStatusEC::OpenPorts() {
         if (function == 0) {
             continue;
         }
-        ClusterPortNr_[static_cast<std::size_t>(number)] = open(function, 1);
+        const auto entry = static_cast<std::size_t>(number);
+        ClusterPortNr_[entry] = open(function, 1);
         if (dual_engine()) {
-            ClusterPortNr_[static_cast<std::size_t>(number + kSecondEnginePorts)] = open(function, 2);
+            ClusterPortNr_[entry + std::size_t{kSecondEnginePorts}] = open(function, 2);
         }
     }
 }
