@@ -95,12 +95,14 @@ void frmStatusEC::set_tool_tips() {
 }
 
 void frmStatusEC::arrange() {
-    std::vector<panel::LayoutNode> needles;
+    std::vector<panel::LayoutNode> parts = {
+        panel::row({BoxRun, boxPort, boxUnitReply, boxNrOfUpdates, cmdRun, cmdStop, CmdClose})};
     for (std::size_t number = 0; number < kNeedlesPerEngine; ++number) {
-        needles.push_back(panel::row({LabelFunction[number], boxValue[number], boxValue[number + kNeedlesPerEngine]}));
+        parts.push_back(panel::frame(
+            "Needle " + std::to_string(number + 1),
+            {LabelFunction[number], panel::row({boxValue[number], boxValue[number + kNeedlesPerEngine]})}));
     }
-    set_layout(panel::column({panel::row({BoxRun, boxPort, boxUnitReply, boxNrOfUpdates}),
-                              panel::row({cmdRun, cmdStop, CmdClose}), panel::frame("Needles", std::move(needles))}));
+    set_layout(panel::column(std::move(parts)));
 }
 
 void frmStatusEC::Form_Load() {

@@ -85,7 +85,7 @@ function Details({ instrument, store, command }: Shared & { instrument: Instrume
       <select
         id={field}
         value={textOf(values, "fault")}
-        onChange={(event) => command(`fault ${instrument.id} ${event.currentTarget.value}`)}
+        onChange={(event) => command(`fault ${instrument.key} ${event.currentTarget.value}`)}
       >
         {FAULTS.map(([name, text]) => (
           <option value={name}>{text}</option>
@@ -113,7 +113,15 @@ function InstrumentTile({ instrument, store, command }: Shared & { instrument: I
     >
       <Drawing instrument={instrument} values={values} command={command} />
       <button type="button" class="name-plate" aria-expanded={open} onClick={() => setOpen(!open)}>
-        <b>{instrument.id}</b> type {instrument.type}
+        {instrument.id > 0 ? (
+          <>
+            <b>{instrument.id}</b> type {instrument.type}
+          </>
+        ) : (
+          <>
+            <b>COM{instrument.port}</b> {instrument.typeName}
+          </>
+        )}
         {flagOf(values, "calibrating") && <em class="note">finding zero</em>}
         {fault !== "" && fault !== "none" && <em class="note note-bad">{fault.replace("_", " ")}</em>}
       </button>

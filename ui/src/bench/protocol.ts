@@ -14,12 +14,13 @@ export interface NeedlePrint {
   sequence: number;
   plate: string;
   points: ScalePoint[];
+  display?: number; // the display that shows the value in figures
 }
 
 export interface Instrument {
   key: string;
   port: number;
-  id: number;
+  id: number; // on the bus; 0 for a unit with a port of its own
   type: number;
   model: number;
   version: number;

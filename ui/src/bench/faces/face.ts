@@ -12,6 +12,6 @@ export interface FaceProps {
 /** How one family of instruments is drawn. */
 export interface Face {
   component: ComponentType<FaceProps>;
-  /** Side of the drawing against a small gauge. */
-  size(instrument: Instrument): "small" | "large";
+  /** Width of the drawing against a small gauge. */
+  size(instrument: Instrument): "small" | "large" | "wide";
 }

@@ -3,81 +3,14 @@
 import type { JSX } from "preact";
 import { useMemo } from "preact/hooks";
 
-import type { Instrument, NeedlePrint, Values } from "../protocol";
-import { printedTitle, scaleOf, STEPS_PER_DEGREE, unitOf, zeroDegrees, type Scale } from "../scale";
+import { broken, Caption, Display, printOf, type Print } from "../print";
+import type { Instrument, Values } from "../protocol";
+import { STEPS_PER_DEGREE, zeroDegrees, type Scale } from "../scale";
 import { numberOf, textOf } from "../store";
 import { Glass, Hub, Layers, Needle, RoundCase, ScaleMarks } from "../svg";
 import type { Face, FaceProps } from "./face";
 
 const WITH_DISPLAY = 2;
-
-interface Print {
-  scale: Scale | undefined;
-  title: string;
-  unit: string;
-}
-
-function printOf(needle: NeedlePrint | undefined): Print {
-  const scale = needle && needle.title !== "" ? scaleOf(needle.points) : undefined;
-  const title = needle ? printedTitle(needle.title) : "";
-  const factor = scale && scale.factor > 1 ? `×${scale.factor}` : "";
-  const unit = needle ? unitOf(needle.plate).toUpperCase() : "";
-  // A unit that the title names already is not printed twice.
-  const shown = title.split(" ").includes(unit) ? "" : unit;
-  return { scale, title, unit: [factor, shown].filter((text) => text !== "").join(" ") };
-}
-
-/** Words in as few lines as their length allows. */
-function broken(title: string, longest: number): string[] {
-  const lines: string[] = [];
-  for (const word of title.split(" ")) {
-    const last = lines[lines.length - 1];
-    if (last !== undefined && last.length + 1 + word.length <= longest) {
-      lines[lines.length - 1] = `${last} ${word}`;
-    } else {
-      lines.push(word);
-    }
-  }
-  return lines;
-}
-
-interface CaptionProps {
-  x: number;
-  y: number;
-  size: number;
-  lines: string[];
-  unit: string;
-}
-
-function Caption({ x, y, size, lines, unit }: CaptionProps): JSX.Element {
-  return (
-    <g class="print">
-      {lines.map((line, index) => (
-        <text class="face-title" x={x} y={y + index * size * 1.12} font-size={size}>
-          {line}
-        </text>
-      ))}
-      <text class="face-unit" x={x} y={y + lines.length * size * 1.12} font-size={size * 0.82}>
-        {unit}
-      </text>
-    </g>
-  );
-}
-
-/** Four places behind a window; the point stands between two of them. */
-function Display({ text, dark }: { text: string; dark: boolean }): JSX.Element {
-  return (
-    <g class={dark ? "display display-dark" : "display"} transform="translate(0 31)">
-      <rect class="display-window" x={-29} y={-11.5} width={58} height={23} rx={3} />
-      <text class="display-ghost" x={0} y={1}>
-        888.8
-      </text>
-      <text class="display-text" x={0} y={1} data-display>
-        {text.trim()}
-      </text>
-    </g>
-  );
-}
 
 // What is printed on a dial. It is worked out once for an instrument.
 interface Printed {
@@ -255,7 +188,7 @@ function NeedleGauge({ instrument, values }: FaceProps): JSX.Element {
       fixed={fixed}
       moving={
         <>
-          {instrument.type === WITH_DISPLAY && <Display text={textOf(values, "display")} dark={values.power !== true} />}
+          {instrument.type === WITH_DISPLAY && <Display x={0} y={31} text={textOf(values, "display").trim()} ghost="888.8" />}
           {kind.pointers(printed, values)}
           <Glass />
         </>
