@@ -26,6 +26,11 @@ struct ActiveGauge {
     float Last4 = 0;
     float Last5 = 0;
     std::int16_t StepCounter = 0;
+    // Radio-magnetic indicators: the simulator ports of their two DME displays, and the distances last sent.
+    std::int16_t RmiPortDme1 = kNoSimPort;
+    std::int16_t RmiPortDme2 = kNoSimPort;
+    float RmiDme1Seen = 0;
+    float RmiDme2Seen = 0;
     std::uint16_t PollSlot = kNeverPolled;
     std::uint8_t OnAvionicsBus = 0;  // 1 = the gauge's lights follow the avionics bus
 };

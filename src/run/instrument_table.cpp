@@ -2,9 +2,15 @@
 
 #include <array>
 
+#include "run/adf_indicator.h"
+#include "run/altimeter.h"
+#include "run/attitude_indicator.h"
 #include "run/engine_cluster_gauge.h"
+#include "run/heading_indicator.h"
 #include "run/needle_gauges.h"
+#include "run/radio_magnetic_indicator.h"
 #include "run/unsupported_gauges.h"
+#include "run/vor_indicators.h"
 
 namespace run {
 
@@ -30,13 +36,44 @@ constexpr std::array kInstruments = {
     InstrumentRow{.code = 7},
     InstrumentRow{.code = 8, .set_up = set_up_engine_cluster_gauge, .tick = tick_engine_cluster_gauge},
     InstrumentRow{.code = 10, .set_up = set_up_bus_io_module},
-    InstrumentRow{.code = 101, .first_tag = 'P', .second_tag = 'P'},
-    InstrumentRow{.code = 103},
+    InstrumentRow{.code = 101,
+                  .first_tag = 'P',
+                  .second_tag = 'P',
+                  .set_up = set_up_altimeter,
+                  .tick = tick_altimeter,
+                  .report = report_altimeter},
+    InstrumentRow{.code = 103, .tick = tick_attitude_indicator},
     InstrumentRow{.code = 104},
-    InstrumentRow{.code = 105},
-    InstrumentRow{.code = 106, .lights = LightBus::avionics, .first_tag = 'C', .second_tag = 'A'},
-    InstrumentRow{.code = 107, .lights = LightBus::avionics, .first_tag = 'C', .second_tag = 'A'},
-    InstrumentRow{.code = 108, .lights = LightBus::avionics, .first_tag = 'C', .second_tag = 'A'},
+    InstrumentRow{.code = 105,
+                  .set_up = set_up_heading_indicator,
+                  .tick = tick_heading_indicator,
+                  .report = report_heading_indicator},
+    InstrumentRow{.code = 106,
+                  .lights = LightBus::avionics,
+                  .first_tag = 'C',
+                  .second_tag = 'A',
+                  .set_up = set_up_vor1_indicator,
+                  .start = forget_vor1_indicator,
+                  .tick = tick_vor1_indicator,
+                  .forget = forget_vor1_indicator,
+                  .report = report_vor1_indicator},
+    InstrumentRow{.code = 107,
+                  .lights = LightBus::avionics,
+                  .first_tag = 'C',
+                  .second_tag = 'A',
+                  .set_up = set_up_vor2_indicator,
+                  .start = forget_vor2_indicator,
+                  .tick = tick_vor2_indicator,
+                  .forget = forget_vor2_indicator,
+                  .report = report_vor2_indicator},
+    InstrumentRow{.code = 108,
+                  .lights = LightBus::avionics,
+                  .first_tag = 'C',
+                  .second_tag = 'A',
+                  .set_up = set_up_adf_indicator,
+                  .tick = tick_adf_indicator,
+                  .forget = forget_adf_indicator,
+                  .report = report_adf_indicator},
     InstrumentRow{.code = 109},
     InstrumentRow{.code = 110, .lights = LightBus::avionics, .first_tag = 'A', .second_tag = 'S'},
     InstrumentRow{.code = 111, .lights = LightBus::avionics, .first_tag = 'A', .second_tag = 'S'},
@@ -49,7 +86,11 @@ constexpr std::array kInstruments = {
     InstrumentRow{.code = 123, .lights = LightBus::avionics, .first_tag = 'S', .second_tag = 'D'},
     InstrumentRow{.code = 124, .lights = LightBus::avionics, .first_tag = 'A', .second_tag = 'V'},
     InstrumentRow{.code = 125, .lights = LightBus::avionics},
-    InstrumentRow{.code = 130, .lights = LightBus::avionics},
+    InstrumentRow{.code = 130,
+                  .lights = LightBus::avionics,
+                  .set_up = set_up_radio_magnetic_indicator,
+                  .tick = tick_radio_magnetic_indicator,
+                  .forget = forget_radio_magnetic_indicator},
     InstrumentRow{.code = 140, .first_tag = 'P', .second_tag = 'T'},
 };
 

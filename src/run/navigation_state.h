@@ -1,35 +1,35 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
-
-#include "run/active_gauges.h"
+#include <optional>
 
 namespace run {
 
-inline constexpr float kUnsentNeedle = 127;        // a VOR needle memory at run start
-inline constexpr std::uint8_t kUnsentFlag = 15;    // a VOR flag memory at run start
 inline constexpr std::int16_t kUnsentCourse = -1;  // a course that no indicator can report
 
-// What was last sent to and taken from the indicator of one VOR receiver. One set per receiver: the cockpit has one
+// What was last sent to and taken from the indicators of one VOR receiver. One set per receiver: the cockpit has one
 // VOR1 and one VOR2.
 struct VorMemory {
-    float loc_needle = kUnsentNeedle;
-    float slope_needle = kUnsentNeedle;
-    std::uint8_t to_from = kUnsentFlag;
-    std::uint8_t slope_flag = kUnsentFlag;
+    std::optional<float> loc_needle;  // nothing sent yet in this run
+    std::optional<float> slope_needle;
+    std::optional<std::uint8_t> to_from;
+    std::optional<std::uint8_t> slope_flag;
     std::int16_t course = kUnsentCourse;  // whole degrees
+
+    // The values of the frames that this tick brings to every indicator of the receiver. The first indicator of the
+    // list finds out whether there is something new.
+    int first_index = -1;
+    std::optional<int> loc_frame;
+    std::optional<int> slope_frame;
+    std::optional<int> flag_frame;
 };
 
 // What the navigation instruments remember beside their entries of the active list. Rebuilt with the list.
 struct NavigationState {
     VorMemory vor1;
     VorMemory vor2;
-    float gyro_drift = 0;  // degrees, last written
-    std::int16_t RmiPortDme1 = kNoSimPort;
-    std::int16_t RmiPortDme2 = kNoSimPort;
-    float RmiDme1Seen = 0;
-    float RmiDme2Seen = 0;
+    float gyro_drift = 0;                         // degrees, last written
+    std::optional<std::int16_t> first_rmi_flags;  // GaugePlate1 of the first radio-magnetic indicator of model 3
 };
 
 }  // namespace run
