@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <new>
+
+#include "cluster/frm_status_ec.h"
+#include "tests/run/run_world.h"
+
+namespace {
+
+int allocations = 0;
+
+// A port that takes everything at once and keeps nothing.
+class OpenPort : public platform::SerialPort {
+  public:
+    explicit OpenPort(int& writes) : writes_(writes) {}
+    void set_number(int number) override { number_ = number; }
+    int number() const override { return number_; }
+    void set_settings(const std::string&) override {}
+    void set_receive_threshold(std::size_t) override {}
+    void set_read_length(std::size_t) override {}
+    void set_event_handler(EventHandler) override {}
+    void open() override { open_ = true; }
+    void close() override { open_ = false; }
+    bool is_open() const override { return open_; }
+    bool connected() const override { return open_; }
+    std::string read() override { return {}; }
+    void clear_input() override {}
+    void clear_output() override {}
+    void write(std::string_view) override { ++writes_; }
+    bool carrier_detect() const override { return false; }
+
+  private:
+    int& writes_;
+    int number_ = 0;
+    bool open_ = false;
+};
+
+struct OpenPorts : platform::SerialPorts {
+    int writes = 0;
+    std::unique_ptr<platform::SerialPort> create() override { return std::make_unique<OpenPort>(writes); }
+};
+
+TEST(EngineClusterTick, allocates_nothing_while_all_needles_move) {
+    run_test::RunWorld world;
+    OpenPorts ports;
+    const platform::Platform& machine = world.platform;
+    const platform::Platform platform{machine.loop,  machine.boxes, machine.wall_clock,    machine.random,
+                                      machine.files, ports,         machine.sim_transport, machine.key_delivery};
+    cluster::frmStatusEC panel{
+        {platform, world.tables, world.sim_com, world.ports, world.panels, world.status.context().cluster}};
+    world.status.set_participant(run::ParticipantPlace::cluster, &panel);
+    world.tables.ClusterPort = 5;
+    world.tables.cluster[9].ClusterSetting1 = 2;
+    for (std::size_t row = 0; row < 8; ++row) {
+        world.tables.cluster[row] = {1, static_cast<std::int16_t>(40 + row), 0};
+    }
+    world.status.cmdRun_Click();
+    world.tick(3);
+    for (int tick = 0; tick < 20; ++tick) {
+        for (int function = 40; function < 48; ++function) {
+            world.set_value(function, 100.25 + 7.5 * tick, 1);
+            world.set_value(function, 900.5 - 7.5 * tick, 2);
+        }
+        world.tick();
+        const int before = allocations;
+        panel.ProcessTimer_Timer();
+        EXPECT_EQ(allocations, before) << "tick " << tick;
+    }
+    EXPECT_GE(ports.writes, 40);
+    EXPECT_EQ(panel.boxValue[15].text.get(), "758.00");
+    world.status.set_participant(run::ParticipantPlace::cluster, nullptr);
+}
+
+}  // namespace
+
+// Not inlined: GCC takes the pair of malloc and delete apart otherwise and warns.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+    ++allocations;
+    if (void* const memory = std::malloc(size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
