@@ -2,6 +2,7 @@
 import { runBenchCases } from "./bench_cases.mjs";
 import { openBrowser } from "./browser.mjs";
 import { CaseRunner } from "./case_runner.mjs";
+import { runClusterCases } from "./cluster_cases.mjs";
 import { runFlightCases } from "./flight_cases.mjs";
 import { runPageCases } from "./page_cases.mjs";
 
@@ -12,6 +13,7 @@ try {
   await runPageCases(runner, browser);
   await runFlightCases(runner, browser, folder);
   await runBenchCases(runner, browser, folder);
+  await runClusterCases(runner, browser, folder);
 } finally {
   await browser.close();
 }
