@@ -6,14 +6,24 @@
 
 namespace run {
 
-std::int16_t open_reading_port(RunContext& run, int function, std::uint8_t sequence_number) {
+std::int16_t open_writing_port(RunContext& run, int function, std::uint8_t& sequence_number) {
+    return run.sim_com.OpenSimPort(static_cast<std::int16_t>(function), sequence_number);
+}
+
+std::int16_t open_writing_port(RunContext& run, int function, int fixed_sequence_number) {
+    auto sequence_number = static_cast<std::uint8_t>(fixed_sequence_number);
+    return open_writing_port(run, function, sequence_number);
+}
+
+std::int16_t open_reading_port(RunContext& run, int function, std::uint8_t& sequence_number) {
     const std::int16_t port = open_writing_port(run, function, sequence_number);
     run.sim_com.EnableReadSimPort(port);
     return port;
 }
 
-std::int16_t open_writing_port(RunContext& run, int function, std::uint8_t sequence_number) {
-    return run.sim_com.OpenSimPort(static_cast<std::int16_t>(function), sequence_number);
+std::int16_t open_reading_port(RunContext& run, int function, int fixed_sequence_number) {
+    auto sequence_number = static_cast<std::uint8_t>(fixed_sequence_number);
+    return open_reading_port(run, function, sequence_number);
 }
 
 std::optional<double> finite_value(RunContext& run, std::int16_t port) {

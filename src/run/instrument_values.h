@@ -8,11 +8,14 @@
 // What most instrument families do with simulator ports.
 namespace run {
 
-// Opens a port on an offset (1..4) of a function and switches its reading on. kNoSimPort when there is none.
-std::int16_t open_reading_port(RunContext& run, int function, std::uint8_t sequence_number);
+// Opens a port on an offset of a function that only writes. kNoSimPort when there is none. A sequence number of 0 in
+// the gauge table counts as 1 and becomes 1 there; a fixed one is 1..4.
+std::int16_t open_writing_port(RunContext& run, int function, std::uint8_t& sequence_number);
+std::int16_t open_writing_port(RunContext& run, int function, int fixed_sequence_number);
 
-// Opens a port that only writes.
-std::int16_t open_writing_port(RunContext& run, int function, std::uint8_t sequence_number);
+// The same, with its reading switched on.
+std::int16_t open_reading_port(RunContext& run, int function, std::uint8_t& sequence_number);
+std::int16_t open_reading_port(RunContext& run, int function, int fixed_sequence_number);
 
 // The number as the gauge table holds it; kNoSimPort becomes kNoWritePort.
 constexpr std::uint16_t write_port(std::int16_t port) {

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "bus/frames.h"
+#include "run/instrument_values.h"
 #include "run/plate_lookup.h"
 #include "support/rounding.h"
 
@@ -15,12 +16,6 @@ namespace {
 constexpr int kTypeWithDisplay = 2;
 
 enum class NeedleState { shown, unknown };
-
-std::int16_t open_reading_port(RunContext& run, std::int16_t function, std::uint8_t& sequence_number) {
-    const std::int16_t port = run.sim_com.OpenSimPort(function, sequence_number);
-    run.sim_com.EnableReadSimPort(port);
-    return port;
-}
 
 // The whole needle position of GaugeValue, which is clamped in place to the plate's range.
 std::optional<int> needle_position(RunContext& run, const tables::Plate& plate) {

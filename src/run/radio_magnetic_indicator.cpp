@@ -41,7 +41,7 @@ constexpr int kAdfRight = 0x6000;
 constexpr int kSecondDisplay = 0x4000;
 constexpr int kDmePoint = 0x2000;
 constexpr int kDmeDashes = 0x0AAA;
-constexpr double kHighestWithTenths = 99.9;
+constexpr double kHighestWithTenths = 99.9F;  // distances come as 32-bit floats
 
 constexpr double kFullTurn = 360;
 constexpr int kCardSteps = 4608;  // a turn; the needles have fewer
@@ -169,13 +169,13 @@ void serve_dme_displays(RunContext& run, int Index) {
 }
 
 // Whether a needle's VOR, and the DME beside it, is the first or the second one.
-std::uint8_t vor_number(const tables::GaugeRow& gauge, int flag) {
+int vor_number(const tables::GaugeRow& gauge, int flag) {
     return (gauge.GaugePlate2 & flag) != 0 ? 2 : 1;
 }
 
 void open_bearing_ports(RunContext& run, int Index) {
     ActiveGauge& entry = run.entry(Index);
-    const tables::GaugeRow& gauge = run.gauge(Index);
+    tables::GaugeRow& gauge = run.gauge(Index);
     entry.Port1 = open_reading_port(run, gauge.GaugeFunction1, vor_number(gauge, kFirstNeedleOnVor2));
     entry.Port2 = open_reading_port(run, gauge.GaugeFunction1, vor_number(gauge, kSecondNeedleOnVor2));
     entry.Port3 = open_reading_port(run, gauge.GaugeFunction2, gauge.GaugeSeqNr2);

@@ -99,6 +99,11 @@ void frmStatus::set_up_gauges() {
     context_.radios = {};
     context_.autopilot = {};
     context_.audio = {};
+    // Of all rows: a report may come from a device that the configuration does not know.
+    for (tables::GaugeRow& gauge : tables_.gauges) {
+        gauge.GaugeWritePort1 = gauge.GaugeWritePort2 = tables::kNoWritePort;
+        gauge.GaugeWritePort3 = gauge.GaugeWritePort4 = tables::kNoWritePort;
+    }
     for (int index = 0; index <= context_.ActiveCount; ++index) {
         entry_in_hand_ = index;
         sim_com_.PortOwnerId = static_cast<std::int16_t>(context_.entry(index).ActiveGaugeId);
@@ -106,9 +111,6 @@ void frmStatus::set_up_gauges() {
         if (row == nullptr || context_.entry(index).ActiveGaugeId == 0) {
             continue;
         }
-        tables::GaugeRow& gauge = context_.gauge(index);
-        gauge.GaugeWritePort1 = gauge.GaugeWritePort2 = tables::kNoWritePort;
-        gauge.GaugeWritePort3 = gauge.GaugeWritePort4 = tables::kNoWritePort;
         context_.entry(index).OnAvionicsBus = row->lights == LightBus::avionics ? 1 : 0;
         if (row->set_up != nullptr) {
             row->set_up(context_, index);

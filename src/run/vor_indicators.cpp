@@ -13,8 +13,8 @@ constexpr int kSlopeNeedleFunction = 34;
 constexpr int kToFromFunction = 35;
 constexpr int kSlopeFlagFunction = 36;
 constexpr int kCourseFunction = 37;
-constexpr std::uint8_t kVor1 = 1;
-constexpr std::uint8_t kVor2 = 2;
+constexpr int kVor1 = 1;
+constexpr int kVor2 = 2;
 
 constexpr int kCommandLocNeedle = 5;
 constexpr int kCommandSlopeNeedle = 6;
@@ -41,7 +41,7 @@ void forget_sent(VorMemory& memory) {
     memory.slope_flag.reset();
 }
 
-void open_course_port(RunContext& run, int Index, std::uint8_t receiver) {
+void open_course_port(RunContext& run, int Index, int receiver) {
     tables::GaugeRow& gauge = run.gauge(Index);
     const bool writes_course = gauge.GaugePlate1 == 0;
     if (writes_course) {

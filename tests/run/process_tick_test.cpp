@@ -58,29 +58,29 @@ TEST(ProcessTick, a_light_tick_serves_nobody_and_does_not_count) {
     world.set_value(40, 300);
     world.status.cmdRun_Click();
     world.tick();
-    EXPECT_EQ(world.take_frames(), (std::vector<Sent>{{4, 5, 300}}));
+    EXPECT_EQ(world.take_frames_beside_polls(), (std::vector<Sent>{{4, 5, 300}}));
     EXPECT_EQ(world.status.TickCount(), 1);
     // The voltage is read in one tick, acted on in the next, and the needle goes on in the one after.
     world.set_value(9, 28);
     world.set_value(40, 400);
     world.tick();
-    EXPECT_EQ(world.take_frames(), (std::vector<Sent>{{4, 5, 400}}));
+    EXPECT_EQ(world.take_frames_beside_polls(), (std::vector<Sent>{{4, 5, 400}}));
     world.set_value(40, 500);
     world.tick();
-    EXPECT_EQ(world.take_frames(), (std::vector<Sent>{{4, 8, 128}, {9, 8, 0}}));
+    EXPECT_EQ(world.take_frames_beside_polls(), (std::vector<Sent>{{4, 8, 128}, {9, 8, 0}}));
     EXPECT_EQ(world.status.TickCount(), 2);
     EXPECT_EQ(world.status.context().cluster.ClusterPower, 1);
     EXPECT_EQ(world.status.context().cluster.ClusterLights, 0);
     world.tick();
-    EXPECT_EQ(world.take_frames(), (std::vector<Sent>{{4, 5, 500}}));
+    EXPECT_EQ(world.take_frames_beside_polls(), (std::vector<Sent>{{4, 5, 500}}));
     // Avionics on, instrument lights on, dimmer to level 10.
     world.set_value(9, 28, 2);
     world.set_value(14, 1);
     world.tables.MacroValue = 640;
     world.tick();
-    EXPECT_EQ(world.take_frames(), (std::vector<Sent>{{4, 8, 128 + 26}, {9, 8, 0 + 26}}));
+    EXPECT_EQ(world.take_frames_beside_polls(), (std::vector<Sent>{{4, 8, 128 + 26}, {9, 8, 0 + 26}}));
     world.tick(2);
-    EXPECT_EQ(world.take_frames(), (std::vector<Sent>{{4, 8, 192 + 26}, {9, 8, 192 + 26}}));
+    EXPECT_EQ(world.take_frames_beside_polls(), (std::vector<Sent>{{4, 8, 192 + 26}, {9, 8, 192 + 26}}));
     EXPECT_EQ(world.status.context().cluster.ClusterLights, 1);
     EXPECT_EQ(world.status.context().cluster.ClusterBrightness, 160);
 }
@@ -93,13 +93,13 @@ TEST(ProcessTick, lights_that_are_always_on_are_sent_once_for_the_lists) {
     world.status.cmdRun_Click();
     EXPECT_EQ(world.tables.LightMask, 32);
     world.tick();
-    EXPECT_EQ(world.take_frames(), (std::vector<Sent>{{4, 8, 192}, {9, 8, 192}}));
+    EXPECT_EQ(world.take_frames_beside_polls(), (std::vector<Sent>{{4, 8, 192}, {9, 8, 192}}));
     world.tick(20);
-    EXPECT_EQ(world.take_frames(), (std::vector<Sent>{{4, 5, 0}}));
+    EXPECT_EQ(world.take_frames_beside_polls(), (std::vector<Sent>{{4, 5, 0}}));
     world.status.cmdStop_Click();
     world.status.cmdRun_Click();
     world.tick(20);
-    EXPECT_EQ(world.take_frames(), (std::vector<Sent>{{4, 5, 0}}));
+    EXPECT_EQ(world.take_frames_beside_polls(), (std::vector<Sent>{{4, 5, 0}}));
 }
 
 TEST(ProcessTick, lights_that_are_always_off_are_never_sent) {

@@ -14,6 +14,7 @@
 #include "panel/placeholder_panel.h"
 #include "platform/manual/manual_platform.h"
 #include "run/frm_status.h"
+#include "run/instrument_table.h"
 #include "simhost/block_server.h"
 #include "simhost/offset_space.h"
 #include "simlink/ipc_client.h"
@@ -67,13 +68,18 @@ struct RunWorld {
         row.FunctionDivider = 1;
         row.FunctionOffset1 = 0x4000 + function * 32;
         row.FunctionOffset2 = row.FunctionOffset1 + 8;
+        row.FunctionOffset3 = row.FunctionOffset1 + 16;
+        row.FunctionOffset4 = row.FunctionOffset1 + 24;
     }
 
     // What the simulator shows for a function.
     void set_value(int function, double value, int sequence_number = 1) {
-        const tables::FunctionRow& row = tables.functions[static_cast<std::size_t>(function)];
-        space->write_f64(static_cast<std::uint32_t>(sequence_number == 1 ? row.FunctionOffset1 : row.FunctionOffset2),
-                         value);
+        space->write_f64(offset(tables.functions[static_cast<std::size_t>(function)], sequence_number), value);
+    }
+    static std::uint32_t offset(const tables::FunctionRow& row, int sequence_number) {
+        const std::int32_t offsets[] = {row.FunctionOffset1, row.FunctionOffset2, row.FunctionOffset3,
+                                        row.FunctionOffset4};
+        return static_cast<std::uint32_t>(offsets[sequence_number - 1]);
     }
 
     // A straight plate of values and positions lowest..highest; returns its number.
@@ -123,6 +129,12 @@ struct RunWorld {
         }
         return sent;
     }
+    // Without the polls, which come on most ticks.
+    std::vector<Sent> take_frames_beside_polls() {
+        std::vector<Sent> sent = take_frames();
+        std::erase_if(sent, [](const Sent& frame) { return frame.command == bus::kCommandStatus; });
+        return sent;
+    }
     // Those of one gauge and command only.
     std::vector<int> take_values(int id, int command) {
         std::vector<int> values;
@@ -132,6 +144,30 @@ struct RunWorld {
             }
         }
         return values;
+    }
+
+    // A report of a device, with the tags of its type and the bytes given by their numbers; all others are 0.
+    void report(int id, int type, const std::map<int, int>& bytes) {
+        std::string telegram(bus::kReportLength, '\0');
+        const run::InstrumentRow* const row = run::find_instrument(type);
+        const auto set = [&telegram](int number, int value) {
+            telegram[static_cast<std::size_t>(number - 1)] = static_cast<char>(value);
+        };
+        set(bus::kReportGaugeIdByte, id);
+        set(bus::kReportTypeByte, type);
+        set(bus::kReportFirstTagByte, row->first_tag);
+        set(bus::kReportSecondTagByte, row->second_tag);
+        set(static_cast<int>(bus::kReportLength), bus::kReportEnd);
+        for (const auto& [number, value] : bytes) {
+            set(number, value);
+        }
+        gauge_bus.on_report(bus::GaugeReport(telegram));
+        advance(40);  // the simulator's next cycles take what was written
+    }
+    // What the simulator has for a function.
+    double value_of(int function, int sequence_number = 1) const {
+        const tables::FunctionRow& row = tables.functions[static_cast<std::size_t>(function)];
+        return space->read_f64(offset(row, sequence_number));
     }
 
     std::string last_shown() const { return machine.boxes.shown().empty() ? "" : machine.boxes.shown().back(); }
