@@ -1,4 +1,4 @@
-import { useEffect, useState } from "preact/hooks";
+import { useLayoutEffect, useState } from "preact/hooks";
 
 import type { Instrument, LineLayout, Message, Values } from "./protocol";
 
@@ -67,7 +67,8 @@ export class Store {
 /** Redraws the caller whenever the topic changes. */
 export function useTopic(store: Store, topic: string): void {
   const [, redraw] = useState(0);
-  useEffect(() => store.listen(topic, () => redraw((count) => count + 1)), [store, topic]);
+  // Within the drawing itself: a message that comes between the drawing and a later effect would go unheard.
+  useLayoutEffect(() => store.listen(topic, () => redraw((count) => count + 1)), [store, topic]);
 }
 
 export function useLineValues(store: Store, port: number): Values {
