@@ -189,7 +189,7 @@ TEST(EngineClusterGauge, each_of_its_commands_moves_one_needle) {
     const ReportBytes report = gauge.report(3);
     for (int needle = 1; needle <= 8; ++needle) {
         EXPECT_EQ(gauge.pointer_steps(needle), 100 * needle);
-        const auto at = static_cast<std::size_t>(6 + (needle - 1) * 2);
+        const std::size_t at = 4 + 2 * static_cast<std::size_t>(needle);
         EXPECT_EQ(
             static_cast<unsigned char>(report.view()[at]) * 256 + static_cast<unsigned char>(report.view()[at + 1]),
             400 * needle);
