@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "bench/devices/device_families.h"
 #include "bench/devices/engine_cluster.h"
 
 namespace bench {
@@ -63,8 +64,8 @@ void DeviceSet::add_gauges(const CoreTables& tables, BusController& bus) {
     for (int id = 1; id < tables::kGaugeRows; ++id) {
         const tables::GaugeRow& row = tables.gauges[static_cast<std::size_t>(id)];
         if (row.GaugeType != 0) {
-            const Device& device =
-                bus.add(id, {.type = row.GaugeType, .model = row.GaugeModel, .version = row.GaugeVersion});
+            Device& device = bus.add(id, {.type = row.GaugeType, .model = row.GaugeModel, .version = row.GaugeVersion});
+            set_up_device(device, row);
             prints_[&device] = print_face(tables, row);
         }
     }

@@ -17,7 +17,7 @@ void Device::take(const Command& command) {
     bad_values_ += answer == Answer::bad_value ? 1 : 0;
 }
 
-ReportBytes Device::report(int id) const {
+ReportBytes Device::report(int id) {
     ReportBytes report;
     fill_report(report);
     report.set_byte(1, bus::kReportStart);
@@ -26,6 +26,7 @@ ReportBytes Device::report(int id) const {
     report.set_byte(bus::kReportModelByte, identity_.model);
     report.set_byte(bus::kReportVersionByte, identity_.version);
     report.set_byte(static_cast<int>(bus::kReportLength), bus::kReportEnd);
+    reported();
     return report;
 }
 

@@ -2,11 +2,13 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "bench/devices/lights.h"
 #include "bus/frames.h"
 #include "platform/event_loop.h"
+#include "tables/core_tables.h"
 
 namespace bench {
 
@@ -72,8 +74,9 @@ class Device {
     // Carries out a command. Status requests are the controller's matter and do not come here; lights are the same on
     // all devices.
     void take(const Command& command);
-    // The whole report of this device under the bus id that it answers to.
-    ReportBytes report(int id) const;
+    // The whole report of this device under the bus id that it answers to. What a device counts from report to report
+    // starts anew.
+    ReportBytes report(int id);
     // Gives the state; the family's own values stand behind the lights.
     void show(StateSink& sink) const;
     // The supply has come back: everything that is not stored in the device is as new.
@@ -86,11 +89,19 @@ class Device {
 
   protected:
     virtual Answer take_command(const Command& command) = 0;
+    // The bytes behind the common ones.
     virtual void fill_report(ReportBytes& report) const = 0;
+    virtual void reported() {}
     virtual void show_state(StateSink& sink) const = 0;
     virtual void reset() = 0;
 
     platform::TimePoint now() const { return loop_.now(); }
+    // A set-up command gives the device another model number.
+    void set_model(int model) { identity_.model = model; }
+    // A text of digits as a display shows it: blank without power.
+    std::string shown(std::string_view digits) const {
+        return lights_.displays_on() ? std::string(digits) : std::string(digits.size(), ' ');
+    }
 
   private:
     platform::EventLoop& loop_;

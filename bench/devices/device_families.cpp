@@ -3,9 +3,15 @@
 #include <algorithm>
 #include <array>
 
+#include "bench/devices/adf_indicator.h"
+#include "bench/devices/altimeter.h"
+#include "bench/devices/attitude_indicator.h"
 #include "bench/devices/engine_cluster_gauge.h"
 #include "bench/devices/generic_device.h"
+#include "bench/devices/heading_indicator.h"
 #include "bench/devices/needle_gauges.h"
+#include "bench/devices/radio_magnetic_indicator.h"
+#include "bench/devices/vor_indicators.h"
 
 namespace bench {
 
@@ -25,6 +31,13 @@ constexpr auto kFamilies = std::to_array<DeviceFamily>({
     {.type = 5, .face = "needle_gauge", .create = create<NeedleGauge>},
     {.type = 6, .face = "needle_gauge", .create = create<NeedleGauge>},
     {.type = 8, .face = "engine_cluster_gauge", .create = create<EngineClusterGauge>},
+    {.type = 101, .face = "altimeter", .create = create<Altimeter>, .set_up = Altimeter::set_up},
+    {.type = 103, .face = "attitude_indicator", .create = create<AttitudeIndicator>},
+    {.type = 105, .face = "heading_indicator", .create = create<HeadingIndicator>},
+    {.type = 106, .face = "vor_indicator", .create = create<VorIndicator>},
+    {.type = 107, .face = "vor_indicator", .create = create<VorIndicator>},
+    {.type = 108, .face = "adf_indicator", .create = create<AdfIndicator>},
+    {.type = 130, .face = "rmi", .create = create<RadioMagneticIndicator>, .set_up = RadioMagneticIndicator::set_up},
 });
 
 constexpr DeviceFamily kUnknownFamily = {.type = 0, .face = "generic", .create = create<GenericDevice>};
@@ -33,6 +46,13 @@ constexpr DeviceFamily kUnknownFamily = {.type = 0, .face = "generic", .create =
 
 std::span<const DeviceFamily> device_families() {
     return kFamilies;
+}
+
+void set_up_device(Device& device, const tables::GaugeRow& row) {
+    const DeviceFamily& family = device_family(row.GaugeType);
+    if (family.set_up != nullptr) {
+        family.set_up(device, row);
+    }
 }
 
 const DeviceFamily& device_family(int type) {

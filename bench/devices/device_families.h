@@ -12,10 +12,15 @@ struct DeviceFamily {
     int type;
     const char* face;  // name of a face of the page
     std::unique_ptr<Device> (*create)(platform::EventLoop& loop, Identity identity);
+    // Gives a new device the set-up that its owner has stored in it, as the gauge's row tells; null for none.
+    void (*set_up)(Device& device, const tables::GaugeRow& row) = nullptr;
 };
 
 // All simulated types, in ascending order.
 std::span<const DeviceFamily> device_families();
+
+// Gives a new device the set-up of its gauge's row.
+void set_up_device(Device& device, const tables::GaugeRow& row);
 
 // The row of a type. A type without a row gets a device that says who it is and does nothing else.
 const DeviceFamily& device_family(int type);

@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "bench/devices/connect.h"
+#include "bench/devices/device_families.h"
 #include "bus/frames.h"
 #include "panel/user_input.h"
 #include "tables/configuration_store.h"
@@ -74,7 +75,7 @@ void Rig::build_bench() {
     for (int id = 1; id < static_cast<int>(file_tables_.gauges.size()); ++id) {
         const tables::GaugeRow& row = file_tables_.gauges[static_cast<std::size_t>(id)];
         if (row.GaugeType != 0) {
-            controller.add(id, {row.GaugeType, row.GaugeModel, row.GaugeVersion});
+            bench::set_up_device(controller.add(id, {row.GaugeType, row.GaugeModel, row.GaugeVersion}), row);
         }
     }
     if (file_tables_.GaugeBusPort1 > 0) {
