@@ -13,6 +13,12 @@ struct AutopilotState {
     std::int16_t ApTrimSeen = 0;
     std::int16_t ApTrimTicks = 0;
     std::int16_t ApTrimIndicator = 0;
+
+    // What the simulator has answered about its autopilot dates from before the unit was operated.
+    bool answers_are_old = true;
+    // The unit may have lost what it was sent: modes and vertical speed go again, changed or not.
+    bool modes_lost = false;
+    bool vertical_speed_lost = false;
 };
 
 }  // namespace run

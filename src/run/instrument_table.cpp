@@ -6,13 +6,17 @@
 #include "run/altimeter.h"
 #include "run/attitude_indicator.h"
 #include "run/audio_panel.h"
+#include "run/autopilot_unit.h"
+#include "run/clocks.h"
 #include "run/com_nav_radio.h"
+#include "run/dme_indicators.h"
 #include "run/engine_cluster_gauge.h"
 #include "run/heading_indicator.h"
 #include "run/needle_gauges.h"
 #include "run/radio_magnetic_indicator.h"
 #include "run/radios.h"
 #include "run/transponders.h"
+#include "run/trim_wheel.h"
 #include "run/unsupported_gauges.h"
 #include "run/vor_indicators.h"
 
@@ -47,7 +51,12 @@ constexpr std::array kInstruments = {
                   .tick = tick_altimeter,
                   .report = report_altimeter},
     InstrumentRow{.code = 103, .tick = tick_attitude_indicator},
-    InstrumentRow{.code = 104},
+    InstrumentRow{.code = 104,
+                  .set_up = set_up_boeing_clock,
+                  .start = forget_boeing_clock,
+                  .tick = tick_boeing_clock,
+                  .forget = forget_boeing_clock,
+                  .report = report_boeing_clock},
     InstrumentRow{.code = 105,
                   .set_up = set_up_heading_indicator,
                   .tick = tick_heading_indicator,
@@ -78,7 +87,7 @@ constexpr std::array kInstruments = {
                   .tick = tick_adf_indicator,
                   .forget = forget_adf_indicator,
                   .report = report_adf_indicator},
-    InstrumentRow{.code = 109},
+    InstrumentRow{.code = 109, .set_up = set_up_cessna_clock, .tick = tick_cessna_clock, .forget = forget_cessna_clock},
     InstrumentRow{.code = 110,
                   .lights = LightBus::avionics,
                   .first_tag = 'A',
@@ -100,7 +109,13 @@ constexpr std::array kInstruments = {
                   .set_up = set_up_transponder,
                   .tick = tick_ctl30_transponder,
                   .report = report_ctl30_transponder},
-    InstrumentRow{.code = 113, .lights = LightBus::avionics, .first_tag = 'S', .second_tag = 'D'},
+    InstrumentRow{.code = 113,
+                  .lights = LightBus::avionics,
+                  .first_tag = 'S',
+                  .second_tag = 'D',
+                  .set_up = set_up_dme,
+                  .tick = tick_dme,
+                  .report = report_dme},
     InstrumentRow{.code = 114,
                   .lights = LightBus::avionics,
                   .first_tag = 'X',
@@ -129,8 +144,22 @@ constexpr std::array kInstruments = {
                   .set_up = set_up_transponder,
                   .tick = tick_bk_transponder,
                   .report = report_bk_transponder},
-    InstrumentRow{.code = 123, .lights = LightBus::avionics, .first_tag = 'S', .second_tag = 'D'},
-    InstrumentRow{.code = 124, .lights = LightBus::avionics, .first_tag = 'A', .second_tag = 'V'},
+    InstrumentRow{.code = 123,
+                  .lights = LightBus::avionics,
+                  .first_tag = 'S',
+                  .second_tag = 'D',
+                  .set_up = set_up_bk_dme,
+                  .tick = tick_bk_dme,
+                  .report = report_bk_dme},
+    InstrumentRow{.code = 124,
+                  .lights = LightBus::avionics,
+                  .first_tag = 'A',
+                  .second_tag = 'V',
+                  .set_up = set_up_autopilot,
+                  .start = start_autopilot,
+                  .tick = tick_autopilot,
+                  .forget = forget_autopilot,
+                  .report = report_autopilot},
     InstrumentRow{.code = 125,
                   .lights = LightBus::avionics,
                   .set_up = set_up_audio_panel,
@@ -142,7 +171,13 @@ constexpr std::array kInstruments = {
                   .set_up = set_up_radio_magnetic_indicator,
                   .tick = tick_radio_magnetic_indicator,
                   .forget = forget_radio_magnetic_indicator},
-    InstrumentRow{.code = 140, .first_tag = 'P', .second_tag = 'T'},
+    InstrumentRow{.code = 140,
+                  .first_tag = 'P',
+                  .second_tag = 'T',
+                  .set_up = set_up_trim_wheel,
+                  .tick = tick_trim_wheel,
+                  .forget = forget_trim_wheel,
+                  .report = report_trim_wheel},
 };
 
 constexpr std::size_t kCodes = 256;
