@@ -4,14 +4,12 @@
 
 #include <limits>
 
-#include "report_bytes.h"
+#include "run_world.h"
 #include "simlink/sim_offsets.h"
 
 namespace {
 
-using run_test::report_bytes;
 using run_test::RunWorld;
-using run_test::send_report;
 using Sent = RunWorld::Sent;
 
 constexpr int kId = 3;
@@ -26,17 +24,17 @@ struct Unit {
     int hectopascal = 0;
 };
 
-std::string report_of(const Unit& unit) {
-    return report_bytes(kId, 124, 'A', 'V',
-                        {{7, unit.altitude >> 8},
-                         {8, unit.altitude},
-                         {10, unit.vertical_speed >> 8},
-                         {11, unit.vertical_speed},
-                         {19, unit.pressure >> 8},
-                         {20, unit.pressure},
-                         {22, unit.modes},
-                         {23, unit.hectopascal},
-                         {24, unit.operated}});
+void report(RunWorld& world, const Unit& unit) {
+    world.report(kId, 124,
+                 {{7, unit.altitude >> 8},
+                  {8, unit.altitude},
+                  {10, unit.vertical_speed >> 8},
+                  {11, unit.vertical_speed},
+                  {19, unit.pressure >> 8},
+                  {20, unit.pressure},
+                  {22, unit.modes},
+                  {23, unit.hectopascal},
+                  {24, unit.operated}});
 }
 
 struct AutopilotUnit : testing::Test {
@@ -66,19 +64,19 @@ TEST_F(AutopilotUnit, an_operated_unit_writes_modes_altitude_and_vertical_speed)
     start(8);
     world.set_value(kAltitudeFunction, 3000);
     world.tick(2);
-    send_report(world, report_of({.altitude = 5000, .vertical_speed = 700, .modes = 0xFF, .operated = 1}));
+    report(world, {.altitude = 5000, .vertical_speed = 700, .modes = 0xFF, .operated = 1});
     for (const std::uint32_t offset : {0x7BCU, 0x7C8U, 0x7C0U, 0x7C4U, 0x800U, 0x7FCU, 0x804U, 0x7ECU, 0x7D0U}) {
         EXPECT_EQ(mode(offset), 1) << std::hex << offset;
     }
     EXPECT_EQ(world.space->read_i32(simlink::kOffsetApAltitude), 99876861);  // 5000 ft in metres * 65536
     EXPECT_EQ(world.space->read_i16(simlink::kOffsetApVerticalSpeed), 700);
     EXPECT_TRUE(sent_in(5).empty()) << "a unit in use is left alone";
-    send_report(world, report_of({.altitude = -500, .vertical_speed = -800, .modes = 0x81, .operated = 1}));
+    report(world, {.altitude = -500, .vertical_speed = -800, .modes = 0x81, .operated = 1});
     EXPECT_EQ(mode(0x7C8), 0);
     EXPECT_EQ(mode(0x7D0), 1);
     EXPECT_EQ(world.space->read_i32(simlink::kOffsetApAltitude), -9987686);
     EXPECT_EQ(world.space->read_i16(simlink::kOffsetApVerticalSpeed), -800);
-    send_report(world, report_of({.altitude = 5000, .vertical_speed = -800, .modes = 0x81, .operated = 1}));
+    report(world, {.altitude = 5000, .vertical_speed = -800, .modes = 0x81, .operated = 1});
     EXPECT_EQ(world.space->read_i16(simlink::kOffsetApVerticalSpeed), 0) << "down is not the way to 5000 ft";
 }
 
@@ -90,7 +88,7 @@ TEST_F(AutopilotUnit, without_a_flight_director_all_modes_end_with_the_master) {
     for (const Case& one : {Case{0, 0}, Case{4, 1}}) {
         row.GaugePlate1 = static_cast<std::int16_t>(one.flags);
         start(one.flags);
-        send_report(world, report_of({.altitude = 5000, .modes = 0x02, .operated = 1}));
+        report(world, {.altitude = 5000, .modes = 0x02, .operated = 1});
         EXPECT_EQ(mode(simlink::kOffsetApHeading), one.heading);
         world.status.cmdStop_Click();
     }
@@ -106,7 +104,7 @@ TEST_F(AutopilotUnit, the_units_pressure_sets_the_simulator_when_it_is_wanted) {
         fresh.add_gauge(kId, 124, kAltitudeFunction).GaugePlate1 = static_cast<std::int16_t>(one.flags);
         fresh.status.cmdRun_Click();
         fresh.tick();
-        send_report(fresh, report_of({.operated = 1, .pressure = one.pressure, .hectopascal = one.hectopascal}));
+        report(fresh, {.operated = 1, .pressure = one.pressure, .hectopascal = one.hectopascal});
         EXPECT_NEAR(fresh.space->read_f64(0x4000 + 32), one.expected, 1e-4);
     }
 }
@@ -120,7 +118,7 @@ TEST_F(AutopilotUnit, a_unit_at_rest_leaves_the_simulator_alone_and_takes_its_st
     // Until the unit has said so itself, the simulator's state goes to it at every tick.
     const int word = -(12 * 256 + 3);  // hundreds rounded to even, and the frame's sign for "down"
     EXPECT_EQ(sent_in(2), (std::vector<Sent>{{kId, 5, word}, {kId, 5, word}}));
-    send_report(world, report_of({.modes = 0x03}));
+    report(world, {.modes = 0x03});
     EXPECT_EQ(mode(simlink::kOffsetApMaster), 1);
     EXPECT_EQ(mode(simlink::kOffsetApHeading), 1);
     world.take_frames();
@@ -143,7 +141,7 @@ TEST_F(AutopilotUnit, modes_that_exclude_each_other_are_sorted_out) {
         fresh.status.cmdRun_Click();
         fresh.tick(3);
         fresh.take_frames();
-        send_report(fresh, report_of({.modes = one.reported}));
+        report(fresh, {.modes = one.reported});
         EXPECT_EQ(fresh.take_values(kId, 5), std::vector<int>{one.sent}) << std::hex << one.reported;
     }
 }
@@ -153,9 +151,9 @@ TEST_F(AutopilotUnit, the_actual_altitude_goes_to_a_unit_that_begins_to_hold) {
     world.set_value(kAltitudeFunction, 4321.4);
     world.tick(3);
     world.take_frames();
-    send_report(world, report_of({.modes = 0x80}));
+    report(world, {.modes = 0x80});
     EXPECT_EQ(world.take_values(kId, 3), std::vector<int>{4321});
-    send_report(world, report_of({.modes = 0xC0}));
+    report(world, {.modes = 0xC0});
     EXPECT_EQ(world.take_values(kId, 3), std::vector<int>{}) << "it was holding before";
 }
 
@@ -174,8 +172,8 @@ TEST_F(AutopilotUnit, towards_a_target_the_default_vertical_speed_is_chosen) {
         fresh.set_value(kAltitudeFunction, one.altitude);
         fresh.status.cmdRun_Click();
         fresh.tick(3);
-        send_report(fresh, report_of({.altitude = one.target, .operated = 1}));
-        send_report(fresh, report_of({.altitude = one.target}));
+        report(fresh, {.altitude = one.target, .operated = 1});
+        report(fresh, {.altitude = one.target});
         fresh.tick(5);
         EXPECT_EQ(fresh.space->read_i16(simlink::kOffsetApVerticalSpeed), one.chosen) << one.altitude;
         fresh.take_frames();
@@ -194,8 +192,8 @@ TEST_F(AutopilotUnit, reaching_the_target_altitude_alerts_once) {
     start();
     world.set_value(kAltitudeFunction, 4000);
     world.tick(2);
-    send_report(world, report_of({.altitude = 5000, .vertical_speed = 700, .operated = 1}));
-    send_report(world, report_of({.altitude = 5000}));
+    report(world, {.altitude = 5000, .vertical_speed = 700, .operated = 1});
+    report(world, {.altitude = 5000});
     EXPECT_EQ(sent_in(3), std::vector<Sent>{});
     world.set_value(kAltitudeFunction, 4901);
     EXPECT_EQ(sent_in(5), (std::vector<Sent>{{kId, 11, 20}}));
@@ -223,7 +221,7 @@ TEST_F(AutopilotUnit, after_an_outage_of_the_bus_the_unit_gets_modes_and_vertica
     world.space->write_i16(simlink::kOffsetApVerticalSpeed, 900);
     set_mode(simlink::kOffsetApMaster, 1);
     world.tick(3);
-    send_report(world, report_of({.modes = 0x41}));
+    report(world, {.modes = 0x41});
     world.tick(5);
     world.wire.unplug();
     world.tick();

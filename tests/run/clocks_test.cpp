@@ -4,14 +4,12 @@
 
 #include <limits>
 
-#include "report_bytes.h"
+#include "run_world.h"
 #include "simlink/sim_offsets.h"
 
 namespace {
 
-using run_test::report_bytes;
 using run_test::RunWorld;
-using run_test::send_report;
 using Sent = RunWorld::Sent;
 
 constexpr int kAlone = 0;
@@ -110,13 +108,12 @@ TEST_F(Clocks, a_boeing_clock_sets_the_simulator_at_the_start) {
     world.status.cmdRun_Click();
     world.tick();
     EXPECT_EQ(world.take_frames(), (std::vector<Sent>{{7, 7, 0}}));
-    const auto report = [](int hour, int minute, int second) {
-        return report_bytes(7, 104, 0, 0,
-                            {{7, 26}, {8, 11}, {9, 22}, {11, hour}, {12, minute}, {13, second}, {15, 1}, {16, 5}});
+    const auto report = [this](int hour, int minute, int second) {
+        world.report(7, 104, {{7, 26}, {8, 11}, {9, 22}, {11, hour}, {12, minute}, {13, second}, {15, 1}, {16, 5}});
     };
-    send_report(world, report(24, 0, 0));  // no time of day
+    report(24, 0, 0);  // no time of day
     EXPECT_EQ(world.space->read_u8(simlink::kOffsetHour), 0);
-    send_report(world, report(17, 45, 30));
+    report(17, 45, 30);
     world.tick();
     EXPECT_EQ(world.space->read_u8(simlink::kOffsetHour), 17);
     EXPECT_EQ(world.space->read_u8(simlink::kOffsetMinute), 45);
@@ -129,7 +126,7 @@ TEST_F(Clocks, a_boeing_clock_keeps_its_own_date_when_it_sets_the_simulator) {
     add_clock(7, 104, kToSimulator);
     world.status.cmdRun_Click();
     world.tick();
-    send_report(world, report_bytes(7, 104, 0, 0, {{7, 26}, {8, 11}, {9, 22}, {11, 1}}));
+    world.report(7, 104, {{7, 26}, {8, 11}, {9, 22}, {11, 1}});
     world.tick(6);
     EXPECT_EQ(world.take_values(7, 4), (std::vector<int>{26 * 1024 + 11 * 64 + 22}));
 }

@@ -4,14 +4,12 @@
 
 #include <limits>
 
-#include "report_bytes.h"
+#include "run_world.h"
 #include "simlink/sim_offsets.h"
 
 namespace {
 
-using run_test::report_bytes;
 using run_test::RunWorld;
-using run_test::send_report;
 using Sent = RunWorld::Sent;
 
 constexpr int kDistance = 27;
@@ -33,6 +31,7 @@ TEST(DmeDigits, are_packed_with_the_place_of_the_point) {
 struct Dme : testing::Test {
     RunWorld world;
 
+    Dme() { world.tables.functions[kDistance].FunctionOffset4 = 0; }
     // The three words of one cycle: distance, speed, time.
     std::vector<int> words(int id) {
         world.tick(5);
@@ -55,9 +54,9 @@ struct Dme : testing::Test {
         world.tables.functions[kDistance].FunctionOffset4 = 0x3F00;
         world.space->write_f64(0x3F00, value);
     }
-    std::string rotary(int id, int position) { return report_bytes(id, 113, 'S', 'D', {{17, position}}); }
-    std::string bk_report(int id, int position, int frequency_khz = 0) {
-        return report_bytes(id, 123, 'S', 'D', {{17, position}, {19, frequency_khz & 255}, {20, frequency_khz >> 8}});
+    void rotary(int id, int position) { world.report(id, 113, {{17, position}}); }
+    void bk_report(int id, int position, int frequency_khz = 0) {
+        world.report(id, 123, {{17, position}, {19, frequency_khz & 255}, {20, frequency_khz >> 8}});
     }
 };
 
@@ -107,12 +106,12 @@ TEST_F(Dme, a_single_indicator_tells_the_simulator_which_station_it_shows) {
     set_station(45.6, 160, 6, 2);
     world.status.cmdRun_Click();
     EXPECT_EQ(words(4), (std::vector<int>{0x2123, 0x0150, 0x05}));
-    send_report(world, rotary(4, 4));
+    rotary(4, 4);
     EXPECT_EQ(words(4), (std::vector<int>{0x2456, 0x0160, 0x06}));
     EXPECT_EQ(world.space->read_f64(0x4000 + kSelect * 32), 2);
-    send_report(world, rotary(4, 3));  // no choice
+    rotary(4, 3);  // no choice
     EXPECT_EQ(words(4), (std::vector<int>{0x2456, 0x0160, 0x06}));
-    send_report(world, rotary(4, 2));
+    rotary(4, 2);
     EXPECT_EQ(words(4), (std::vector<int>{0x2123, 0x0150, 0x05}));
     EXPECT_EQ(world.space->read_f64(0x4000 + kSelect * 32), 1);
 }
@@ -128,8 +127,8 @@ TEST_F(Dme, two_dual_indicators_choose_each_for_itself) {
     world.status.cmdRun_Click();
     EXPECT_EQ(words(4).front(), 0x2123);
     EXPECT_EQ(words(5).front(), 0x2456);
-    send_report(world, rotary(4, 4));
-    send_report(world, rotary(5, 2));
+    rotary(4, 4);
+    rotary(5, 2);
     EXPECT_EQ(words(4).front(), 0x2456);
     EXPECT_EQ(words(5).front(), 0x2123);
     EXPECT_EQ(world.space->read_f64(0x4000 + kSelect * 32), 0) << "nothing goes to the simulator";
@@ -159,7 +158,7 @@ TEST_F(Dme, a_bk_dme_shows_only_what_a_good_station_gives) {
     EXPECT_EQ(words(6), dark);
     world.space->write_u16(simlink::kOffsetRadioFlags, 1U << 1);  // NAV 1 good
     EXPECT_EQ(words(6), (std::vector<int>{0x2123, 0x0100, 0x05}));
-    send_report(world, bk_report(6, 1));
+    bk_report(6, 1);
     EXPECT_EQ(words(6), dark) << "NAV 2 is not good";
     world.space->write_u16(simlink::kOffsetRadioFlags, 1U << 2);
     EXPECT_EQ(words(6), (std::vector<int>{0x0123, 0x0160, 0x06}));
@@ -176,26 +175,26 @@ TEST_F(Dme, a_bk_dme_holds_a_nav_radio_and_writes_its_frequency_when_it_changes)
     for (const Case& one :
          {Case{2, simlink::kOffsetNav1Frequency, 1, 0}, Case{3, simlink::kOffsetNav2Frequency, 0, 1}}) {
         row.GaugePlate1 = static_cast<std::int16_t>(one.use);
-        send_report(world, bk_report(6, 2, 12450));
+        bk_report(6, 2, 12450);
         EXPECT_EQ(world.space->read_u16(one.offset), 0x1245);
         EXPECT_EQ(world.status.context().radios.NavHold1, one.hold1);
         EXPECT_EQ(world.status.context().radios.NavHold2, one.hold2);
         world.space->write_u16(one.offset, 0);
-        send_report(world, bk_report(6, 3, 12450));
+        bk_report(6, 3, 12450);
         EXPECT_EQ(world.space->read_u16(one.offset), 0) << "no change";
-        send_report(world, bk_report(6, 3, 8000));
+        bk_report(6, 3, 8000);
         EXPECT_EQ(world.space->read_u16(one.offset), 0x0800);
         world.space->write_u16(one.offset, 0);
-        send_report(world, bk_report(6, 1, 8000));
+        bk_report(6, 1, 8000);
         EXPECT_EQ(world.status.context().radios.NavHold1 + world.status.context().radios.NavHold2, 0);
         EXPECT_EQ(world.space->read_u16(one.offset), 0);
-        send_report(world, bk_report(6, 2, 8000));
+        bk_report(6, 2, 8000);
         EXPECT_EQ(world.space->read_u16(one.offset), 0x0800) << "the unit has the radio again";
-        send_report(world, bk_report(6, 1, 8000));
+        bk_report(6, 1, 8000);
     }
     for (const int use : {0, 1}) {
         row.GaugePlate1 = static_cast<std::int16_t>(use);
-        send_report(world, bk_report(6, 2, 11111));
+        bk_report(6, 2, 11111);
         EXPECT_EQ(world.status.context().radios.DmeSelected, use + 1);
         EXPECT_EQ(world.status.context().radios.NavHold1 + world.status.context().radios.NavHold2, 0);
     }

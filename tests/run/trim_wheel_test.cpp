@@ -4,13 +4,11 @@
 
 #include <limits>
 
-#include "report_bytes.h"
+#include "run_world.h"
 
 namespace {
 
-using run_test::report_bytes;
 using run_test::RunWorld;
-using run_test::send_report;
 using Sent = RunWorld::Sent;
 
 constexpr int kId = 9;
@@ -25,8 +23,8 @@ struct TrimWheel : testing::Test {
         world.add_gauge(kId, 140, trim, autopilot);
         world.status.cmdRun_Click();
     }
-    std::string report(int position, int mode) {
-        return report_bytes(kId, 140, 'P', 'T', {{7, position >> 8}, {8, position}, {13, mode}});
+    static void report(RunWorld& to, int position, int mode) {
+        to.report(kId, 140, {{7, position >> 8}, {8, position}, {13, mode}});
     }
     // Motor modes and positions; the polls are left out.
     std::vector<Sent> sent_in(int ticks) {
@@ -53,7 +51,7 @@ TEST_F(TrimWheel, a_wheel_that_is_turned_by_hand_trims_the_simulator) {
     for (const Case& one :
          {Case{512, 0}, Case{0, -16383}, Case{1023, 511.0 / 512 * 16383}, Case{768, 8191.5}, Case{770, 8191.5},
           Case{766, 8191.5}, Case{771, 259.0 / 512 * 16383}, Case{2000, 259.0 / 512 * 16383}}) {
-        send_report(world, report(one.position, 0));
+        report(world, one.position, 0);
         world.tick(2);
         EXPECT_NEAR(trim(), one.trim, 0.01) << one.position;
     }
@@ -80,7 +78,7 @@ TEST_F(TrimWheel, under_the_autopilot_position_and_mode_frames_alternate) {
     world.set_value(kElevatorTrim, 16383);
     start();
     world.tick(2);
-    send_report(world, report(512, 4));
+    report(world, 512, 4);
     const std::vector<Sent> sent = sent_in(4);
     ASSERT_EQ(sent.size(), 4U);
     for (std::size_t frame = 0; frame < 4; ++frame) {
@@ -121,12 +119,11 @@ TEST_F(TrimWheel, a_trim_switch_of_a_yoke_drives_the_motor_and_the_wheel_trims_t
         fresh.add_gauge(kId, 140, one.function);
         fresh.status.cmdRun_Click();
         fresh.tick(2);
-        send_report(fresh, report(512, 0));
+        report(fresh, 512, 0);
         fresh.take_frames();
         fresh.status.context().trim_switches = {one.elevator, one.ailerons};
-        fresh.wire.deliver(report(600, one.modes.empty() ? 0 : one.modes.front()));
-        fresh.advance(5);
         fresh.tick(1);
+        report(fresh, 600, one.modes.empty() ? 0 : one.modes.front());
         fresh.tick(3);
         EXPECT_EQ(fresh.take_values(kId, 9), one.modes) << int{one.elevator} << ' ' << int{one.ailerons};
         EXPECT_NEAR(fresh.space->read_f64(0x4000U + static_cast<unsigned>(one.function) * 32U), 88.0 / 512 * 16383,
@@ -140,9 +137,9 @@ TEST_F(TrimWheel, a_trim_switch_of_a_yoke_drives_the_motor_and_the_wheel_trims_t
 TEST_F(TrimWheel, a_motor_mode_that_has_not_arrived_goes_again) {
     start();
     world.tick(2);
-    send_report(world, report(512, 4));  // the wheel believes to be driven by the autopilot
+    report(world, 512, 4);  // the wheel believes to be driven by the autopilot
     EXPECT_EQ(sent_in(2), (std::vector<Sent>{{kId, 9, 0}, {kId, 9, 0}}));
-    send_report(world, report(512, 0));
+    report(world, 512, 0);
     EXPECT_TRUE(sent_in(3).empty());
 }
 
@@ -157,7 +154,7 @@ TEST_F(TrimWheel, after_an_outage_of_the_bus_the_motor_mode_goes_again) {
 
 TEST_F(TrimWheel, a_wheel_without_functions_does_no_harm) {
     start(0, 0);
-    send_report(world, report(800, 0));
+    report(world, 800, 0);
     world.tick(5);
     EXPECT_TRUE(world.machine.boxes.shown().empty());
 }
