@@ -90,6 +90,9 @@ void BusController::take_command(int id, const Command& command) {
         answer(id);
     } else if (Slot* slot = listening(id)) {
         slot->device->take(command);
+        if (slot->device->answers(command)) {
+            answer(id);
+        }
     }
 }
 

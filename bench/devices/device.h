@@ -71,6 +71,8 @@ class Device {
     int unknown_commands() const { return unknown_commands_; }
     int bad_values() const { return bad_values_; }
 
+    // Whether the device answers this command with its report, as it does a status request.
+    virtual bool answers(const Command& /*command*/) const { return false; }
     // Carries out a command. Status requests are the controller's matter and do not come here; lights are the same on
     // all devices.
     void take(const Command& command);

@@ -4,13 +4,18 @@
 #include <array>
 
 #include "bench/devices/adf_indicator.h"
+#include "bench/devices/adf_radio.h"
 #include "bench/devices/altimeter.h"
 #include "bench/devices/attitude_indicator.h"
+#include "bench/devices/audio_panel.h"
+#include "bench/devices/com_nav_radio.h"
 #include "bench/devices/engine_cluster_gauge.h"
 #include "bench/devices/generic_device.h"
 #include "bench/devices/heading_indicator.h"
 #include "bench/devices/needle_gauges.h"
 #include "bench/devices/radio_magnetic_indicator.h"
+#include "bench/devices/radios.h"
+#include "bench/devices/transponders.h"
 #include "bench/devices/vor_indicators.h"
 
 namespace bench {
@@ -37,6 +42,14 @@ constexpr auto kFamilies = std::to_array<DeviceFamily>({
     {.type = 106, .face = "vor_indicator", .create = create<VorIndicator>},
     {.type = 107, .face = "vor_indicator", .create = create<VorIndicator>},
     {.type = 108, .face = "adf_indicator", .create = create<AdfIndicator>},
+    {.type = 110, .face = "radio", .create = create<Radio>, .set_up = Radio::set_up},
+    {.type = 111, .face = "radio", .create = create<Radio>, .set_up = Radio::set_up},
+    {.type = 112, .face = "transponder", .create = create<Transponder>, .set_up = Transponder::set_up},
+    {.type = 114, .face = "transponder", .create = create<Transponder>, .set_up = Transponder::set_up},
+    {.type = 120, .face = "com_nav_radio", .create = create<ComNavRadio>, .set_up = ComNavRadio::set_up},
+    {.type = 121, .face = "adf_radio", .create = create<AdfRadio>, .set_up = AdfRadio::set_up},
+    {.type = 122, .face = "bk_transponder", .create = create<BkTransponder>, .set_up = BkTransponder::set_up},
+    {.type = 125, .face = "audio_panel", .create = create<AudioPanel>},
     {.type = 130, .face = "rmi", .create = create<RadioMagneticIndicator>, .set_up = RadioMagneticIndicator::set_up},
 });
 

@@ -69,6 +69,9 @@ void report_com_nav_radio(RunContext& run, const bus::GaugeReport& report) {
         return;
     }
     ActiveGauge& entry = run.entry(index);
+    if (entry.ActiveGaugeId != report.gauge_id()) {
+        return;  // a unit that is not in the list
+    }
     put_if_changed(run, gauge.GaugeWritePort1, frequency_of(report, kReportComActive), entry.Last1);
     if (!dme_owns_nav(run, gauge)) {
         put_if_changed(run, gauge.GaugeWritePort2, frequency_of(report, kReportNavActive), entry.Last2);
