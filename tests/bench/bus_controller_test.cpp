@@ -90,11 +90,11 @@ TEST_F(Controller, a_report_tells_where_the_needles_stand) {
 }
 
 TEST_F(Controller, a_device_without_a_family_says_who_it_is_and_obeys_the_lights) {
-    const Device& radio = controller.add(30, {.type = 110, .model = 4, .version = 9});
+    const Device& radio = controller.add(30, {.type = 7, .model = 4, .version = 9});
     const auto sent = replies_to(frame(30, 12, 5) + frame(30, 8, 15) + frame(30, 7, 0));
     ASSERT_EQ(sent.size(), 1U);
     const bus::GaugeReport report(sent[0]);
-    EXPECT_EQ(report.GaugeType(), 110);
+    EXPECT_EQ(report.GaugeType(), 7);
     EXPECT_EQ(report.GaugeVersion(), 9);
     EXPECT_NE(report.byte(6), 'A');
     EXPECT_FALSE(radio.lights().lit());

@@ -21,7 +21,7 @@ class Set : public testing::Test {
   protected:
     Set() {
         fill_standard_tables(tables);
-        tables.gauges[17].GaugeType = 112;
+        tables.gauges[17].GaugeType = 7;
         tables.gauges[17].GaugeModel = 3;
         tables.IomPort1 = 4;
         tables.plates[0].PlateName = "0-100 \xB0";
