@@ -8,7 +8,10 @@
 #include "bench/devices/altimeter.h"
 #include "bench/devices/attitude_indicator.h"
 #include "bench/devices/audio_panel.h"
+#include "bench/devices/autopilot_unit.h"
+#include "bench/devices/clocks.h"
 #include "bench/devices/com_nav_radio.h"
+#include "bench/devices/dme_indicators.h"
 #include "bench/devices/engine_cluster_gauge.h"
 #include "bench/devices/generic_device.h"
 #include "bench/devices/heading_indicator.h"
@@ -16,6 +19,7 @@
 #include "bench/devices/radio_magnetic_indicator.h"
 #include "bench/devices/radios.h"
 #include "bench/devices/transponders.h"
+#include "bench/devices/trim_wheel.h"
 #include "bench/devices/vor_indicators.h"
 
 namespace bench {
@@ -38,19 +42,25 @@ constexpr auto kFamilies = std::to_array<DeviceFamily>({
     {.type = 8, .face = "engine_cluster_gauge", .create = create<EngineClusterGauge>},
     {.type = 101, .face = "altimeter", .create = create<Altimeter>, .set_up = Altimeter::set_up},
     {.type = 103, .face = "attitude_indicator", .create = create<AttitudeIndicator>},
+    {.type = 104, .face = "boeing_clock", .create = create<BoeingClock>, .set_up = BoeingClock::set_up},
     {.type = 105, .face = "heading_indicator", .create = create<HeadingIndicator>},
     {.type = 106, .face = "vor_indicator", .create = create<VorIndicator>},
     {.type = 107, .face = "vor_indicator", .create = create<VorIndicator>},
     {.type = 108, .face = "adf_indicator", .create = create<AdfIndicator>},
+    {.type = 109, .face = "cessna_clock", .create = create<CessnaClock>},
     {.type = 110, .face = "radio", .create = create<Radio>, .set_up = Radio::set_up},
     {.type = 111, .face = "radio", .create = create<Radio>, .set_up = Radio::set_up},
     {.type = 112, .face = "transponder", .create = create<Transponder>, .set_up = Transponder::set_up},
+    {.type = 113, .face = "dme", .create = create<DmeIndicator>},
     {.type = 114, .face = "transponder", .create = create<Transponder>, .set_up = Transponder::set_up},
     {.type = 120, .face = "com_nav_radio", .create = create<ComNavRadio>, .set_up = ComNavRadio::set_up},
     {.type = 121, .face = "adf_radio", .create = create<AdfRadio>, .set_up = AdfRadio::set_up},
     {.type = 122, .face = "bk_transponder", .create = create<BkTransponder>, .set_up = BkTransponder::set_up},
+    {.type = 123, .face = "bk_dme", .create = create<BkDmeIndicator>},
+    {.type = 124, .face = "autopilot", .create = create<AutopilotUnit>, .set_up = AutopilotUnit::set_up},
     {.type = 125, .face = "audio_panel", .create = create<AudioPanel>},
     {.type = 130, .face = "rmi", .create = create<RadioMagneticIndicator>, .set_up = RadioMagneticIndicator::set_up},
+    {.type = 140, .face = "trim_wheel", .create = create<TrimWheel>},
 });
 
 constexpr DeviceFamily kUnknownFamily = {.type = 0, .face = "generic", .create = create<GenericDevice>};
