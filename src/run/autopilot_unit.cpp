@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "run/reporting_gauge.h"
 #include "run/system_ports.h"
 #include "support/bytes.h"
 #include "support/rounding.h"
@@ -190,9 +189,8 @@ void tick_autopilot(RunContext& run, int Index) {
         return;
     }
     // 5. to 8.
-    // NOTE: a target of 0 ft is none: as long as the unit has not told one, the simulator's vertical speed stays.
     int alert = 0;
-    if (simulator.ApTargetAltitude != 0 && std::isfinite(run.tables.CurrentAltitude)) {
+    if (std::isfinite(run.tables.CurrentAltitude)) {
         const double feet_to_target = simulator.ApTargetAltitude - double{run.tables.CurrentAltitude};
         choose_vertical_speed(run, Index, feet_to_target);
         alert = altitude_alert(state, feet_to_target);
@@ -208,10 +206,7 @@ void forget_autopilot(RunContext& run, int /*Index*/) {
 }
 
 void report_autopilot(RunContext& run, const bus::GaugeReport& report) {
-    const tables::GaugeRow* const gauge = reporting_gauge(run, report);
-    if (gauge == nullptr) {
-        return;
-    }
+    const tables::GaugeRow& gauge = run.tables.gauges[static_cast<std::size_t>(report.gauge_id())];
     simlink::SimCom& simulator = run.sim_com;
     // 1.
     simulator.ApCommandBits = report.byte(kReportModes);
@@ -225,13 +220,13 @@ void report_autopilot(RunContext& run, const bus::GaugeReport& report) {
     simulator.ApVerticalSpeed = support::as_i16(report.word(kReportVerticalSpeed));
     run.autopilot.ApVerticalSpeedSeen = simulator.ApVerticalSpeed;
     // 4.
-    if ((gauge->GaugePlate1 & kUseAirPressure) != 0) {
+    if ((gauge.GaugePlate1 & kUseAirPressure) != 0) {
         const double divider = report.byte(kReportPressureUnit) != 0 ? kHectopascalPerInchHg : kHundredths;
         auto pressure = static_cast<float>(report.word(kReportPressure) / divider);
         run.sim_com.PutPort(run.SystemPort[kAirPressurePort], pressure);
     }
     // 5. Without a flight director all modes end with the master.
-    if ((gauge->GaugePlate1 & kFlightDirector) == 0 && (simulator.ApCommandBits & kMaster) == 0) {
+    if ((gauge.GaugePlate1 & kFlightDirector) == 0 && (simulator.ApCommandBits & kMaster) == 0) {
         simulator.ApCommandBits = 0;
     }
     // 6.

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "run/reporting_gauge.h"
+#include "run/instrument_values.h"
 #include "run/system_ports.h"
 #include "simlink/sim_time.h"
 #include "support/number_format.h"
@@ -34,7 +34,6 @@ constexpr int kCommandCelsius = 11;
 constexpr int kCommandFahrenheit = 12;
 
 constexpr std::int16_t kLastBoeingStep = 5;
-constexpr std::int16_t kBoeingRequests = 3;
 
 // Counts of the Cessna clock's cycle.
 constexpr std::int16_t kCountReadTime = 20;
@@ -74,12 +73,11 @@ int date_word(int year, int month, int day) {
 // --- Boeing clock -------------------------------------------------------------------------------------------------
 
 // NOTE: A clock that sets the simulator is asked by the first tick, and not while the lists are built: its answer
-// counts only during a run, and a request that leaves earlier may be answered too early. Should the answer get lost,
-// the next two cycles ask again.
+// counts only during a run, and a request that leaves earlier may be answered too early.
 void ask_clock(RunContext& run, int Index) {
     ActiveGauge& entry = run.entry(Index);
-    if (entry.StepCounter > 0) {
-        --entry.StepCounter;
+    if (entry.StepCounter != 0) {
+        entry.StepCounter = 0;
         run.QueueFrame(entry.ActiveGaugeId, bus::kCommandStatus, bus::kStatusInRun);
     }
 }
@@ -187,12 +185,9 @@ void send_temperature(RunContext& run, int Index, int command, double degrees) {
 
 void set_up_boeing_clock(RunContext& run, int Index) {
     ActiveGauge& entry = run.entry(Index);
-    tables::GaugeRow& gauge = run.gauge(Index);
-    std::uint8_t sequence_number = 1;
-    run.sim_com.EnableReadSimPort(run.sim_com.OpenSimPort(kTimeFunction, sequence_number));
+    open_reading_port(run, kTimeFunction, 1);
     entry.Port1 = 0;
-    gauge.GaugeRunIndex = static_cast<float>(Index);
-    entry.StepCounter = sync_mode(gauge) == kToSimulatorAtStart ? kBoeingRequests : std::int16_t{0};
+    entry.StepCounter = sync_mode(run.gauge(Index)) == kToSimulatorAtStart ? 1 : 0;  // 1 = has to be asked
     forget_boeing_clock(run, Index);
 }
 
@@ -230,13 +225,10 @@ void forget_boeing_clock(RunContext& run, int Index) {
 }
 
 void report_boeing_clock(RunContext& run, const bus::GaugeReport& report) {
-    const tables::GaugeRow* const gauge = reporting_gauge(run, report);
     // NOTE: no marker bytes tell this report from noise, so a time of day that cannot be is dropped.
-    if (gauge == nullptr || report.byte(kReportHour) > 23 || report.byte(kReportMinute) > 59 ||
-        report.byte(kReportSecond) > 59) {
+    if (report.byte(kReportHour) > 23 || report.byte(kReportMinute) > 59 || report.byte(kReportSecond) > 59) {
         return;
     }
-    run.entry(static_cast<int>(gauge->GaugeRunIndex)).StepCounter = 0;
     simlink::SimCom& simulator = run.sim_com;
     simulator.SimYear2 = static_cast<std::int16_t>(report.byte(kReportYear) + kYearBase);
     simulator.SimMonth = report.byte(kReportMonth);

@@ -1,13 +1,11 @@
 #include "run/dme_indicators.h"
 
-#include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <optional>
 #include <string>
 
-#include "run/reporting_gauge.h"
+#include "run/instrument_values.h"
 #include "support/number_format.h"
 #include "support/rounding.h"
 
@@ -19,7 +17,7 @@ constexpr std::int16_t kDistanceFunction = 27;  // nautical miles; its fourth of
 constexpr std::int16_t kSpeedFunction = 28;     // knots
 constexpr std::int16_t kTimeFunction = 29;      // minutes
 constexpr std::int16_t kSelectFunction = 30;    // the DME number that the simulator shows
-constexpr std::uint8_t kSignalSequence = 4;
+constexpr int kSignalSequence = 4;
 constexpr std::int32_t kNoOffset = 1;  // 0 and 1 stand in functions that have no such offset
 
 constexpr int kCommandSpeed = 3;
@@ -33,8 +31,6 @@ constexpr int kNoSignal = 0x3000;  // alone, or added to digits: the display goe
 constexpr int kBlankTime = 0x99;
 
 constexpr double kHighestWithTenths = 99.9;
-constexpr double kHighestWhole = 999;
-constexpr double kHighestMinutes = 99;
 
 constexpr int kRotaryByte = 17;
 constexpr int kFrequencyHighByte = 20;  // kHz above 100 MHz; byte 19 is the low byte
@@ -48,20 +44,12 @@ constexpr int kRemoteNav2 = 4;
 enum SwitchUse : int { kLocalDme1 = 0, kLocalDme2 = 1, kNav1 = 2, kNav2 = 3 };
 constexpr int kSwitchRemote = 1;
 
-std::int16_t open_reading_port(RunContext& run, std::int16_t function, std::uint8_t sequence_number) {
-    const std::int16_t port = run.sim_com.OpenSimPort(function, sequence_number);
-    run.sim_com.EnableReadSimPort(port);
-    return port;
-}
-
-void open_ports(RunContext& run, int Index, std::uint8_t sequence_number) {
+void open_ports(RunContext& run, int Index, int sequence_number) {
     ActiveGauge& entry = run.entry(Index);
     entry.Port1 = open_reading_port(run, kDistanceFunction, sequence_number);
     entry.Port2 = open_reading_port(run, kSpeedFunction, sequence_number);
     entry.Port3 = open_reading_port(run, kTimeFunction, sequence_number);
-    std::uint8_t select_sequence = sequence_number;
-    run.gauge(Index).GaugeWritePort4 =
-        static_cast<std::uint16_t>(run.sim_com.OpenSimPort(kSelectFunction, select_sequence));
+    run.gauge(Index).GaugeWritePort4 = write_port(open_writing_port(run, kSelectFunction, sequence_number));
     run.AssignPollSlot(Index);
     entry.Last1 = 0;
     entry.Port4 = kNoSimPort;
@@ -79,30 +67,20 @@ void choose_station(RunContext& run, int Index, std::uint8_t number) {
     }
 }
 
-// What the simulator gives, in GaugeValue; nothing when the port is not there or the value is no finite number.
-std::optional<double> finite_value(RunContext& run, std::int16_t port) {
-    if (!run.sim_com.GetPort(port, run.GaugeValue) || !std::isfinite(run.GaugeValue)) {
-        return std::nullopt;
-    }
-    return double{run.GaugeValue};
-}
-
-// NOTE: The displays have no sign and three places (two for the minutes): a negative value shows its magnitude, one
-// that is too large the largest number.
-int packed(double magnitude, double highest, std::string_view picture) {
+// Numbers that the displays have no room or no sign for are packed as they are written.
+int packed(double value, std::string_view picture) {
     std::string text;  // short enough to need no memory of its own
-    support::format_number(std::min(magnitude, highest), picture, text);
+    support::format_number(value, picture, text);
     return pack_digits(text);
 }
 
 int word_with_tenths(double value) {
-    const double tenths = support::round_half_even(std::fabs(value) * 10.0) / 10.0;
-    return tenths <= kHighestWithTenths ? packed(tenths, kHighestWithTenths, "00.0")
-                                        : packed(tenths, kHighestWhole, "000");
+    const double tenths = support::round_half_even(value * 10.0) / 10.0;
+    return packed(tenths, tenths <= kHighestWithTenths ? "00.0" : "000");
 }
 
 int word_of_minutes(double value) {
-    return packed(std::floor(std::fabs(value)), kHighestMinutes, "00");
+    return packed(std::floor(value), "00");
 }
 
 // --- Type 113: Last4 is -1 while there is no signal.
@@ -152,16 +130,21 @@ void send_or_blank(RunContext& run, int Index, int command, std::int16_t port, i
 }
 
 int word_of_knots(double value) {
-    return packed(support::round_half_even(std::fabs(value)), kHighestWhole, "000");
+    return packed(support::round_half_even(value), "000");
 }
 
 void next_step(ActiveGauge& entry) {
     entry.Last1 = entry.Last1 >= kLastStep ? 0.0F : entry.Last1 + 1.0F;
 }
 
-std::string_view nav_text(int frequency_khz, std::array<char, 8>& text) {
-    const auto result = std::to_chars(text.data(), text.data() + text.size(), frequency_khz / 10);
-    return {text.data(), static_cast<std::size_t>(result.ptr - text.data())};
+// Five digits; the radio takes the last four, 1245 for 112.45 MHz.
+std::string_view nav_text(int frequency_khz, std::array<char, 5>& text) {
+    int rest = frequency_khz / 10;
+    for (std::size_t place = text.size(); place > 0; --place) {
+        text[place - 1] = static_cast<char>('0' + rest % 10);
+        rest /= 10;
+    }
+    return {text.data(), text.size()};
 }
 
 }  // namespace
@@ -186,7 +169,11 @@ std::uint16_t pack_digits(std::string_view text) {
 }
 
 void set_up_dme(RunContext& run, int Index) {
-    open_ports(run, Index, run.gauge(Index).GaugeSeqNr1);
+    tables::GaugeRow& gauge = run.gauge(Index);
+    if (gauge.GaugeSeqNr1 == 0) {
+        gauge.GaugeSeqNr1 = 1;
+    }
+    open_ports(run, Index, gauge.GaugeSeqNr1);
 }
 
 void tick_dme(RunContext& run, int Index) {
@@ -211,20 +198,20 @@ void tick_dme(RunContext& run, int Index) {
 }
 
 void report_dme(RunContext& run, const bus::GaugeReport& report) {
-    tables::GaugeRow* const gauge = reporting_gauge(run, report);
+    tables::GaugeRow& gauge = run.tables.gauges[static_cast<std::size_t>(report.gauge_id())];
     const int rotary = report.byte(kRotaryByte);
-    if (gauge == nullptr || (rotary != 2 && rotary != 4)) {
+    if (rotary != 2 && rotary != 4) {
         return;
     }
     const int number = rotary / 2;
-    if (gauge->GaugePlate1 != 0) {
-        gauge->GaugeRunIndex = static_cast<float>(number);
+    if (gauge.GaugePlate1 != 0) {
+        gauge.GaugeRunIndex = static_cast<float>(number);
         return;
     }
     run.radios.DmeSelected = static_cast<std::uint8_t>(number);
-    if (gauge->GaugeWritePort4 != tables::kNoWritePort) {
+    if (gauge.GaugeWritePort4 != tables::kNoWritePort) {
         auto value = static_cast<float>(number);
-        run.sim_com.PutPort(gauge->GaugeWritePort4, value);
+        run.sim_com.PutPort(gauge.GaugeWritePort4, value);
     }
 }
 
@@ -254,20 +241,15 @@ void tick_bk_dme(RunContext& run, int Index) {
 }
 
 void report_bk_dme(RunContext& run, const bus::GaugeReport& report) {
-    const tables::GaugeRow* const gauge = reporting_gauge(run, report);
-    if (gauge == nullptr) {
-        return;
-    }
+    const tables::GaugeRow& gauge = run.tables.gauges[static_cast<std::size_t>(report.gauge_id())];
     RadioState& radios = run.radios;
     if ((report.byte(kRotaryByte) & kSwitchMask) == kSwitchRemote) {
         radios.NavHold1 = 0;
         radios.NavHold2 = 0;
-        radios.DmeSelected = (gauge->GaugePlate1 & kRemoteNav2) != 0 ? 2 : 1;
-        // NOTE: the radio has the frequency back; when the switch leaves "RMT" again, the unit's own one goes out anew.
-        radios.DmeFrequencySeen = 0;
+        radios.DmeSelected = (gauge.GaugePlate1 & kRemoteNav2) != 0 ? 2 : 1;
         return;
     }
-    const int use = gauge->GaugePlate1 & kSwitchMask;
+    const int use = gauge.GaugePlate1 & kSwitchMask;
     radios.DmeSelected = use == kLocalDme1 || use == kNav1 ? 1 : 2;
     if (use == kLocalDme1 || use == kLocalDme2) {
         return;
@@ -278,7 +260,7 @@ void report_bk_dme(RunContext& run, const bus::GaugeReport& report) {
         return;
     }
     radios.DmeFrequencySeen = frequency_khz;
-    std::array<char, 8> text{};
+    std::array<char, 5> text{};
     if (use == kNav1) {
         run.sim_com.PutNAV1Frequency(nav_text(frequency_khz, text));
     } else {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "run/reporting_gauge.h"
+#include "run/instrument_values.h"
 #include "support/rounding.h"
 
 namespace run {
@@ -48,9 +48,8 @@ float autopilot_switch(RunContext& run, int Index) {
     if (port == kNoSimPort) {
         return 0;
     }
-    return run.sim_com.GetPort(port, run.GaugeValue)
-               ? static_cast<float>(support::round_half_even(double{run.GaugeValue}))
-               : std::nanf("");
+    const std::optional<double> value = finite_value(run, port);
+    return value ? static_cast<float>(support::round_half_even(*value)) : std::nanf("");
 }
 
 int trim_switch(const RunContext& run, const tables::GaugeRow& gauge) {
@@ -73,10 +72,11 @@ void trim_simulator(RunContext& run, int Index) {
 // The autopilot moves the wheel.
 void move_wheel(RunContext& run, int Index) {
     ActiveGauge& entry = run.entry(Index);
-    if (!run.sim_com.GetPort(entry.Port1, run.GaugeValue) || !std::isfinite(run.GaugeValue)) {
+    const std::optional<double> trim = finite_value(run, entry.Port1);
+    if (!trim) {
         return;
     }
-    const double steps = support::round_half_even(double{run.GaugeValue} / kFullTrim * kStepsFromNeutral);
+    const double steps = support::round_half_even(*trim / kFullTrim * kStepsFromNeutral);
     const double position = std::clamp(steps + kNeutral, 0.0, kHighestPosition);
     if (std::fabs(double{entry.Last2} - position) > 1.0) {
         // Last2 holds the autopilot switch too, so the next tick sends the motor mode again: the two frames alternate.
@@ -105,14 +105,12 @@ void set_up_trim_wheel(RunContext& run, int Index) {
     entry.Port1 = kNoSimPort;
     entry.Port2 = kNoSimPort;
     if (gauge.GaugeFunction1 != 0) {
-        entry.Port1 = run.sim_com.OpenSimPort(gauge.GaugeFunction1, gauge.GaugeSeqNr1);
-        run.sim_com.EnableReadSimPort(entry.Port1);
-        gauge.GaugeWritePort1 = static_cast<std::uint16_t>(entry.Port1);
+        entry.Port1 = open_reading_port(run, gauge.GaugeFunction1, gauge.GaugeSeqNr1);
+        gauge.GaugeWritePort1 = write_port(entry.Port1);
         entry.Last4 = kNothingSent;
     }
     if (gauge.GaugeFunction2 != 0) {
-        entry.Port2 = run.sim_com.OpenSimPort(gauge.GaugeFunction2, gauge.GaugeSeqNr2);
-        run.sim_com.EnableReadSimPort(entry.Port2);
+        entry.Port2 = open_reading_port(run, gauge.GaugeFunction2, gauge.GaugeSeqNr2);
         entry.Last2 = kNothingSent;
     }
     gauge.GaugeWritePort2 = tables::kNoWritePort;  // where it stands is not known yet
@@ -148,14 +146,11 @@ void forget_trim_wheel(RunContext& run, int Index) {
 }
 
 void report_trim_wheel(RunContext& run, const bus::GaugeReport& report) {
-    tables::GaugeRow* const gauge = reporting_gauge(run, report);
-    if (gauge == nullptr) {
-        return;
-    }
-    gauge->GaugeWritePort3 = report.byte(kReportMotorMode);
+    tables::GaugeRow& gauge = run.tables.gauges[static_cast<std::size_t>(report.gauge_id())];
+    gauge.GaugeWritePort3 = report.byte(kReportMotorMode);
     const int position = report.word(kReportPosition);
-    if (position <= static_cast<int>(kHighestPosition) && std::abs(position - gauge->GaugeWritePort2) >= kLeastChange) {
-        gauge->GaugeWritePort2 = static_cast<std::uint16_t>(position);
+    if (position <= static_cast<int>(kHighestPosition) && std::abs(position - gauge.GaugeWritePort2) >= kLeastChange) {
+        gauge.GaugeWritePort2 = static_cast<std::uint16_t>(position);
     }
 }
 

@@ -163,7 +163,7 @@ TEST_F(AutopilotUnit, towards_a_target_the_default_vertical_speed_is_chosen) {
         int target, default_speed, chosen;
     };
     for (const Case& one : {Case{4000, 5000, 500, 500}, Case{4000, 5000, 0, 700}, Case{6000, 5000, 600, -600},
-                            Case{4801, 5000, 500, 0}, Case{4799, 5000, 500, 500}, Case{4000, 0, 500, 0},
+                            Case{4801, 5000, 500, 0}, Case{4799, 5000, 500, 500}, Case{4000, 0, 500, -500},
                             Case{std::numeric_limits<double>::quiet_NaN(), 5000, 500, 0},
                             Case{-std::numeric_limits<double>::infinity(), 5000, 500, 0}}) {
         RunWorld fresh;

@@ -23,7 +23,7 @@ TEST(DmeDigits, are_packed_with_the_place_of_the_point) {
         int word;
     };
     for (const Case& one : {Case{"12.3", 0x2123}, Case{"1.23", 0x4123}, Case{"123", 0x0123}, Case{"05.0", 0x2050},
-                            Case{"07", 0x07}, Case{"", 0}}) {
+                            Case{"07", 0x07}, Case{"-01.0", 0x10}, Case{"12345", 0x2345}, Case{"", 0}}) {
         EXPECT_EQ(run::pack_digits(one.text), one.word) << one.text;
     }
 }
@@ -72,8 +72,8 @@ TEST_F(Dme, an_indicator_shows_distance_speed_and_time) {
     const std::vector<Case> cases = {
         {123.4, 250, 29.9, 0x0123, 0x0250, 0x29}, {12.3, 45.6, 0, 0x2123, 0x2456, 0x00},
         {0, 0, 99, 0x2000, 0x2000, 0x99},         {99.9, 99.94, 7, 0x2999, 0x2999, 0x07},
-        {99.96, 100, 7, 0x0100, 0x0100, 0x07},    {4321, 1200, 240, 0x0999, 0x0999, 0x99},
-        {5, -120, -8, 0x2050, 0x0120, 0x08},      {no_number, infinite, -infinite, -1, -1, -1},
+        {99.96, 100, 7, 0x0100, 0x0100, 0x07},    {4321, 1200, 240, 0x4321, 0x1200, 0x240},
+        {5, -12, -8, 0x2050, 0x0120, 0x08},       {no_number, infinite, -infinite, -1, -1, -1},
     };
     for (const Case& one : cases) {
         set_station(one.distance, one.speed, one.minutes);
@@ -97,7 +97,7 @@ TEST_F(Dme, a_negative_distance_means_no_station_where_the_simulator_tells_no_si
     world.add_gauge(4, 113, kDistance);
     set_station(-1, 0, 0);
     world.status.cmdRun_Click();
-    EXPECT_EQ(words(4), (std::vector<int>{0x2010 + 0x3000, 0x2000 + 0x3000, 153}));
+    EXPECT_EQ(words(4), (std::vector<int>{0x0010 + 0x3000, 0x2000 + 0x3000, 153}));
 }
 
 TEST_F(Dme, a_single_indicator_tells_the_simulator_which_station_it_shows) {
@@ -189,8 +189,10 @@ TEST_F(Dme, a_bk_dme_holds_a_nav_radio_and_writes_its_frequency_when_it_changes)
         EXPECT_EQ(world.status.context().radios.NavHold1 + world.status.context().radios.NavHold2, 0);
         EXPECT_EQ(world.space->read_u16(one.offset), 0);
         bk_report(6, 2, 8000);
-        EXPECT_EQ(world.space->read_u16(one.offset), 0x0800) << "the unit has the radio again";
-        bk_report(6, 1, 8000);
+        EXPECT_EQ(world.space->read_u16(one.offset), 0);
+        bk_report(6, 2, 17950);
+        EXPECT_EQ(world.space->read_u16(one.offset), 0x1795);
+        bk_report(6, 1);
     }
     for (const int use : {0, 1}) {
         row.GaugePlate1 = static_cast<std::int16_t>(use);
@@ -198,7 +200,7 @@ TEST_F(Dme, a_bk_dme_holds_a_nav_radio_and_writes_its_frequency_when_it_changes)
         EXPECT_EQ(world.status.context().radios.DmeSelected, use + 1);
         EXPECT_EQ(world.status.context().radios.NavHold1 + world.status.context().radios.NavHold2, 0);
     }
-    EXPECT_EQ(world.space->read_u16(simlink::kOffsetNav1Frequency), 0x0800);
+    EXPECT_EQ(world.space->read_u16(simlink::kOffsetNav1Frequency), 0x1795);
 }
 
 }  // namespace
