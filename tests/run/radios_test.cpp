@@ -113,6 +113,19 @@ TEST(ComNavRadio, the_active_nav_frequency_waits_while_the_dme_owns_it) {
     EXPECT_EQ(world.value_of(22), 11245);
 }
 
+TEST(ComNavRadio, a_unit_that_is_not_in_the_list_leaves_what_others_have_sent_alone) {
+    RadioWorld world;
+    world.add_radio(3, 120, 0, 20, 1, true);
+    world.status.cmdRun_Click();
+    world.report_words(3, 120, {{7, 18350}});
+    for (const double stale : {0.0, 1.0, 200.0, -1.0}) {
+        world.tables.gauges[9].GaugeRunIndex = static_cast<float>(stale);
+        world.report_words(9, 120, {{7, 24000}, {13, 12450}});
+        EXPECT_EQ(world.status.context().entry(0).Last1, 11835) << "run index " << stale;
+    }
+    EXPECT_EQ(world.value_of(20), 11835);
+}
+
 TEST(Transponders, code_switch_and_ident_are_written_as_the_unit_is_set_up) {
     struct Case {
         const char* what;
