@@ -77,7 +77,7 @@ std::string AutopilotUnit::display_text() const {
             }
             break;
     }
-    return lights().displays_on() ? text : std::string(text.size(), ' ');
+    return shown(text);
 }
 
 void AutopilotUnit::begin_operating() {

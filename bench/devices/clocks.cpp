@@ -2,7 +2,6 @@
 
 #include <array>
 #include <chrono>
-#include <utility>
 
 namespace bench {
 
@@ -45,10 +44,6 @@ void fill_hours_minutes_seconds(ReportBytes& report, int first_byte, int seconds
     report.set_byte(first_byte, seconds / kSecondsPerHour);
     report.set_byte(first_byte + 1, seconds / kSecondsPerMinute % kSecondsPerMinute);
     report.set_byte(first_byte + 2, seconds % kSecondsPerMinute);
-}
-
-std::string without_power(std::string text, const Lights& lights) {
-    return lights.displays_on() ? std::move(text) : std::string(text.size(), ' ');
 }
 
 }  // namespace
@@ -205,14 +200,12 @@ void BoeingClock::show_state(StateSink& sink) const {
     sink.number("hour", second / kSecondsPerHour);
     sink.number("minute", second / kSecondsPerMinute % kSecondsPerMinute);
     sink.number("second", second % kSecondsPerMinute);
-    sink.text("date", without_power(two_digits(date.day) + ' ' + kMonths[static_cast<std::size_t>(date.month - 1)] +
-                                        ' ' + two_digits(date.year),
-                                    lights()));
+    sink.text("date", shown(two_digits(date.day) + ' ' + kMonths[static_cast<std::size_t>(date.month - 1)] + ' ' +
+                            two_digits(date.year)));
     const int elapsed = elapsed_seconds();
-    sink.text("elapsed", without_power(std::to_string(elapsed / kSecondsPerHour) + ':' +
-                                           two_digits(elapsed / kSecondsPerMinute % kSecondsPerMinute) + ':' +
-                                           two_digits(elapsed % kSecondsPerMinute),
-                                       lights()));
+    sink.text("elapsed", shown(std::to_string(elapsed / kSecondsPerHour) + ':' +
+                               two_digits(elapsed / kSecondsPerMinute % kSecondsPerMinute) + ':' +
+                               two_digits(elapsed % kSecondsPerMinute)));
     sink.flag("elapsedRunning", elapsed_state_ == ElapsedState::running);
     sink.text("secondHand", real_seconds_ ? "time" : "elapsed");
     sink.number("displayLevel", display_level_);
@@ -333,8 +326,8 @@ std::string CessnaClock::lower_text() const {
 void CessnaClock::show_state(StateSink& sink) const {
     constexpr std::array<const char*, 3> kUpperNames = {"V", "C", "F"};
     constexpr std::array<const char*, 3> kLowerNames = {"LT", "UT", "FT"};
-    sink.text("upper", without_power(upper_text(), lights()));
-    sink.text("lower", without_power(lower_text(), lights()));
+    sink.text("upper", shown(upper_text()));
+    sink.text("lower", shown(lower_text()));
     sink.text("upperMode", kUpperNames[static_cast<std::size_t>(upper_)]);
     sink.text("lowerMode", kLowerNames[static_cast<std::size_t>(lower_)]);
     sink.flag("sounder", sounder_);
