@@ -46,7 +46,7 @@ bool shows_needle(const tables::GaugeRow& gauge, int needle) {
 
 }  // namespace
 
-Rig::Rig(SimulatorAtStart at_start)
+Rig::Rig(SimulatorAtStart at_start, Instruments instruments)
     : flight_(machine.loop, "flight", kFlightStep, [this] { simulator.step(kFlightStep); }) {
     for (const auto& entry : std::filesystem::directory_iterator(PROJECT_ROOT "/demo")) {
         if (entry.is_regular_file()) {
@@ -59,10 +59,29 @@ Rig::Rig(SimulatorAtStart at_start)
     if (at_start == SimulatorAtStart::absent) {
         machine.sim_transport.windows.clear();
     }
+    if (instruments == Instruments::needle_gauges) {
+        keep_needle_gauges();
+    }
     build_bench();
 }
 
 Rig::~Rig() = default;
+
+// Takes everything else out of the configuration file.
+void Rig::keep_needle_gauges() {
+    auto tables = std::make_unique<tables::CoreTables>();
+    tables::ConfigurationStore store(*tables, machine.files, machine.boxes, machine.wall_clock);
+    tables->ProgramName = tables::kProgramName;
+    tables->ConfigFileName = store.LoadStartFile();
+    store.LoadConfiguration();
+    for (tables::GaugeRow& row : tables->gauges) {
+        if (row.GaugeType > kLastNeedleType) {
+            row = {};
+        }
+    }
+    tables->ClusterPort = 0;
+    machine.files.contents[tables->ConfigFileName] = store.configuration_bytes();
+}
 
 void Rig::build_bench() {
     tables::ConfigurationStore store(file_tables_, machine.files, machine.boxes, machine.wall_clock);

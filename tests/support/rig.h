@@ -19,12 +19,17 @@ using namespace std::chrono_literals;
 
 enum class SimulatorAtStart { up, absent };
 
+// How much of the demo's cockpit stands on the lines. Its needle gauges alone are enough for most tests, and hours of
+// them cost seconds.
+enum class Instruments { needle_gauges, all };
+
 // The real program on virtual time, with simulated devices on its serial lines and a simulator that answers its
 // request blocks, all in one process. It starts with the files of the demo folder; a test changes `machine` (files,
 // boxes, wires) before it calls start_program().
 class Rig {
   public:
-    explicit Rig(SimulatorAtStart simulator = SimulatorAtStart::up);
+    explicit Rig(SimulatorAtStart simulator = SimulatorAtStart::up,
+                 Instruments instruments = Instruments::needle_gauges);
     ~Rig();
     Rig(const Rig&) = delete;
     Rig& operator=(const Rig&) = delete;
@@ -96,6 +101,7 @@ class Rig {
 
   private:
     panel::Control& control(const std::string& panel, const std::string& name);
+    void keep_needle_gauges();
     void build_bench();
     std::string device_story(int id);
 
