@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "run_world.h"
 
 namespace {
@@ -189,6 +191,35 @@ TEST(Transponders, each_is_polled_with_the_frame_that_it_answers) {
     world.take_frames();
     world.tick(3);
     EXPECT_EQ(world.take_frames(), (std::vector<Sent>{{1, 7, 0}, {2, 12, 0}, {3, 5, -1}}));
+}
+
+TEST(Transponders, values_that_are_no_numbers_ask_nothing_and_every_unit_is_polled_on) {
+    constexpr double kEndless = std::numeric_limits<double>::infinity();
+    for (const double value : {std::numeric_limits<double>::quiet_NaN(), kEndless, -kEndless, 1e30, -1e30}) {
+        RadioWorld world;
+        world.tables.LightMode = 2;
+        world.add_gauge(1, 114, 26).GaugePlate1 = 7;
+        world.add_gauge(2, 122, 26);
+        world.add_gauge(3, 125, 38);
+        world.status.cmdRun_Click();
+        world.tick(4);
+        for (const int function : {4, 38, 46}) {
+            for (const int sequence_number : {1, 2, 3}) {
+                world.set_value(function, value, sequence_number);
+            }
+        }
+        world.tick(9);
+        world.take_frames();
+        world.tick(3);
+        std::vector<int> polled;
+        for (const Sent& sent : world.take_frames()) {
+            polled.push_back(sent.id);
+        }
+        for (const int id : {1, 2, 3}) {
+            EXPECT_EQ(std::count(polled.begin(), polled.end(), id), 1) << "unit " << id << " with " << value;
+        }
+        EXPECT_TRUE(world.machine.boxes.shown().empty()) << value << ": " << world.last_shown();
+    }
 }
 
 TEST(AudioPanel, marker_lamps_go_out_on_a_change) {
