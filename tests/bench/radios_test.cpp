@@ -25,13 +25,13 @@ constexpr int kWideAdfKind = 3;
 class States : public StateSink {
   public:
     explicit States(const Device& device) { device.show(*this); }
-    void number(std::string_view name, double value) override { texts[std::string(name)] = std::to_string(value); }
-    void text(std::string_view name, std::string_view value) override { texts[std::string(name)] = value; }
-    void flag(std::string_view name, bool value) override { texts[std::string(name)] = value ? "yes" : "no"; }
-    std::string operator[](const std::string& name) const { return texts.at(name); }
+    void number(std::string_view name, double value) override { texts_[std::string(name)] = std::to_string(value); }
+    void text(std::string_view name, std::string_view value) override { texts_[std::string(name)] = value; }
+    void flag(std::string_view name, bool value) override { texts_[std::string(name)] = value ? "yes" : "no"; }
+    std::string operator[](const std::string& name) const { return texts_.at(name); }
 
   private:
-    std::map<std::string, std::string> texts;
+    std::map<std::string, std::string> texts_;
 };
 
 int word(Device& device, int byte_number) {
