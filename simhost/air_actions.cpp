@@ -13,7 +13,10 @@ void engage(Aircraft& aircraft, double height_m, double climb_fpm) {
     Autopilot& autopilot = aircraft.autopilot;
     autopilot.disengage();
     autopilot.master = true;
-    autopilot.heading_hold = true;
+    // A bug in other hands may stand anywhere: the pilot steers with the turn knob then.
+    const bool bug_is_free = !aircraft.hands.holds(ClientGroup::heading_bug);
+    autopilot.heading_hold = bug_is_free;
+    autopilot.wing_leveler = !bug_is_free;
     autopilot.altitude_hold = true;
     autopilot.yaw_damper = true;
     autopilot.flight_director = true;

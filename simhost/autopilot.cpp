@@ -72,10 +72,10 @@ double Autopilot::wanted_bank(const Airframe& airframe, const NavReceiver& nav, 
         const double turn_in = std::clamp(gain * nav.deviation_deg, -kBeamInterceptDeg, kBeamInterceptDeg);
         return AttitudeLoops::bank_for_track(course_deg + kMagneticVariationDeg + turn_in, kBankLimitDeg, airframe);
     }
-    if (heading_hold || tracking) {
+    if (heading_hold || (tracking && !wing_leveler)) {
         return AttitudeLoops::bank_for_heading(heading_bug_deg + kMagneticVariationDeg, kBankLimitDeg, airframe);
     }
-    return 0.0;
+    return std::clamp(turn_knob_deg, -kBankLimitDeg, kBankLimitDeg);
 }
 
 double Autopilot::wanted_climb(const Airframe& airframe, const NavReceiver& nav) {

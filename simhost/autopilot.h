@@ -45,6 +45,7 @@ class Autopilot {
     bool yaw_damper = false;
     bool flight_director = false;
     double heading_bug_deg = 252;  // magnetic
+    double turn_knob_deg = 0;      // the bank that the wing leveler holds
     double altitude_m = 900;
     double vertical_speed_fpm = 700;
     double airspeed_knots = 100;

@@ -41,8 +41,9 @@ enum class ClientGroup : std::uint8_t {
     gyro,
     radios,
     autopilot,
+    heading_bug,
 };
-inline constexpr int kClientGroups = 15;
+inline constexpr int kClientGroups = 16;
 
 class ClientHands {
   public:

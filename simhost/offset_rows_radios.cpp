@@ -67,6 +67,27 @@ void put_value(A& a, double value) {
     a.hands.touch(G::autopilot);
 }
 
+// A heading indicator writes its bug over and over, moved or not. Only the one that is turned while the autopilot
+// follows it flies the aircraft.
+void put_heading_bug(A& a, double value) {
+    constexpr double kTurnedDeg = 0.3;
+    const double bug_deg = wrap360(value);
+    const bool turned =
+        a.hands.holds(G::heading_bug) && std::abs(wrap180(bug_deg - a.autopilot.heading_bug_deg)) > kTurnedDeg;
+    if (turned && a.autopilot.heading_hold) {
+        a.hands.touch(G::autopilot);
+    }
+    a.hands.touch(G::heading_bug);
+    a.autopilot.heading_bug_deg = bug_deg;
+}
+// A unit tells that its button is not pressed over and over; an ident that is on its way ends by itself.
+void put_ident(A& a, double value) {
+    if (value != 0) {
+        a.radios.transponder_ident = 1;
+        a.hands.touch(G::radios);
+    }
+}
+
 double marker(const A& a, Marker marker) {
     return flag(a.navigation.marker == marker);
 }
@@ -99,7 +120,7 @@ constexpr OffsetRow kRows[] = {
     {0x07C4, K::i32, 1, "ap_nav", "", mode<&Autopilot::nav_hold>, put_mode<&Autopilot::nav_hold>},
     {0x07C8, K::i32, 1, "ap_heading", "", mode<&Autopilot::heading_hold>, put_mode<&Autopilot::heading_hold>},
     {0x07CC, K::u16, kTurn16, "heading_bug", "deg", value_of<&Autopilot::heading_bug_deg>,
-     [](A& a, double v) { put_value<&Autopilot::heading_bug_deg>(a, wrap360(v)); }},
+     put_heading_bug},
     {0x07D0, K::i32, 1, "ap_altitude", "", mode<&Autopilot::altitude_hold>, put_mode<&Autopilot::altitude_hold>},
     {0x07D4, K::i32, 65536, "ap_altitude_value", "m", value_of<&Autopilot::altitude_m>, put_value<&Autopilot::altitude_m>},
     {0x07D8, K::i32, 1, "ap_attitude", "", mode<&Autopilot::attitude_hold>, put_mode<&Autopilot::attitude_hold>},
@@ -107,8 +128,9 @@ constexpr OffsetRow kRows[] = {
      put_value<&Autopilot::airspeed_knots>},
     {0x07EC, K::i32, 1, "ap_vertical_speed", "", mode<&Autopilot::vertical_speed_hold>,
      put_mode<&Autopilot::vertical_speed_hold>},
+    // An autopilot unit proposes a climb whenever this is 0, which takes nothing out of the pilot's hands.
     {0x07F2, K::i16, 1, "ap_vertical_speed_value", "ft/min", value_of<&Autopilot::vertical_speed_fpm>,
-     put_value<&Autopilot::vertical_speed_fpm>},
+     [](A& a, double v) { a.autopilot.vertical_speed_fpm = v; }},
     {0x07FC, K::i32, 1, "ap_glide_slope", "", mode<&Autopilot::glide_slope_hold>, put_mode<&Autopilot::glide_slope_hold>},
     {0x0800, K::i32, 1, "ap_approach", "", mode<&Autopilot::approach_hold>, put_mode<&Autopilot::approach_hold>},
     {0x0804, K::i32, 1, "ap_back_course", "", mode<&Autopilot::back_course_hold>, put_mode<&Autopilot::back_course_hold>},
@@ -166,7 +188,7 @@ constexpr OffsetRow kRows[] = {
      put_word<&Radios::adf1_standby_extended>},
     {0x7B91, K::u8, 1, "transponder_standby", "", byte<&Radios::transponder_standby>,
      put_byte<&Radios::transponder_standby>},
-    {0x7B93, K::u8, 1, "transponder_ident", "", byte<&Radios::transponder_ident>, put_byte<&Radios::transponder_ident>},
+    {0x7B93, K::u8, 1, "transponder_ident", "", byte<&Radios::transponder_ident>, put_ident},
 };
 
 }  // namespace

@@ -92,8 +92,23 @@ void Pilot::set_parking_brake(Aircraft& aircraft, bool on) const {
 
 void Pilot::set_heading(Aircraft& aircraft, double heading_deg) {
     heading_deg_ = wrap360(heading_deg);
-    if (!aircraft.hands.holds(ClientGroup::autopilot)) {
+    if (!aircraft.hands.holds(ClientGroup::autopilot) && !aircraft.hands.holds(ClientGroup::heading_bug)) {
         aircraft.autopilot.heading_bug_deg = heading_deg_;
+    }
+    turn_with_knob(aircraft);
+}
+
+void Pilot::turn_with_knob(Aircraft& aircraft) const {
+    Autopilot& autopilot = aircraft.autopilot;
+    if (aircraft.hands.holds(ClientGroup::autopilot)) {
+        autopilot.turn_knob_deg = 0;
+        return;
+    }
+    const double true_deg = heading_deg_ + kMagneticVariationDeg;
+    autopilot.turn_knob_deg = AttitudeLoops::bank_for_heading(true_deg, 20.0, aircraft.airframe);
+    if (autopilot.heading_hold && aircraft.hands.holds(ClientGroup::heading_bug)) {
+        autopilot.heading_hold = false;
+        autopilot.wing_leveler = true;
     }
 }
 
@@ -102,9 +117,11 @@ void Pilot::turn_left_to(Aircraft& aircraft, double heading_deg, double rate_deg
     if (left_to_go > 0.01 && left_to_go < 300.0) {
         set_heading(aircraft, heading_deg_ - std::min(left_to_go, rate_deg * dt_s));
     }
+    turn_with_knob(aircraft);
 }
 
 void Pilot::mind_autopilot(Aircraft& aircraft, double height_m, double heading_deg, double dt_s) {
+    turn_with_knob(aircraft);
     if (aircraft.autopilot.flying()) {
         loops_.restart(aircraft.controls.elevator, aircraft.airframe.pitch_deg());
         return;

@@ -34,6 +34,9 @@ class Pilot {
     void set_heading(Aircraft& aircraft, double heading_deg);
     void turn_left_to(Aircraft& aircraft, double heading_deg, double rate_deg, double dt_s);
     double heading_deg() const { return heading_deg_; }
+    // Keeps the autopilot's turn knob on the bank that leads to that heading, for as long as nobody else has the
+    // autopilot in hand; it acts in the wing leveler's mode.
+    void turn_with_knob(Aircraft& aircraft) const;
 
     // Keeps the nose on the runway's centre line while rolling, with the wheels' steering.
     void steer_on_runway(Aircraft& aircraft) const;

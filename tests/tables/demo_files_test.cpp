@@ -58,18 +58,24 @@ TEST_F(DemoFiles, every_fixed_function_is_there_and_every_function_can_be_opened
     }
 }
 
-TEST_F(DemoFiles, the_cockpit_shows_every_needle_gauge_type_through_rising_plates) {
+TEST_F(DemoFiles, the_cockpit_has_every_type_and_its_needles_have_functions_and_rising_plates) {
     std::set<int> types;
     for (const tables::GaugeRow& gauge : tables_.gauges) {
-        if (gauge.GaugeType == 0) {
-            continue;
-        }
         types.insert(gauge.GaugeType);
-        EXPECT_FALSE(function(gauge.GaugeFunction1).FunctionShortName.empty());
-        EXPECT_LT(gauge.GaugePlate1, tables_.PlateCount());
-        EXPECT_LT(gauge.GaugePlate2, tables_.PlateCount());
+        if (gauge.GaugeType >= 1 && gauge.GaugeType <= 6) {
+            EXPECT_FALSE(function(gauge.GaugeFunction1).FunctionShortName.empty());
+            EXPECT_LT(gauge.GaugePlate1, tables_.PlateCount());
+            EXPECT_LT(gauge.GaugePlate2, tables_.PlateCount());
+        }
     }
-    EXPECT_EQ(types, (std::set<int>{1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(types, (std::set<int>{0,   1,   2,   3,   4,   5,   6,   8,   101, 103, 104, 105, 106, 107, 108,
+                                    109, 110, 111, 112, 113, 114, 120, 121, 122, 123, 124, 125, 130, 140}));
+    EXPECT_NE(tables_.ClusterPort, tables_.GaugeBusPort1);
+    for (std::size_t row = 0; row < 8; ++row) {
+        const tables::ClusterRow& needle = tables_.cluster.at(row);
+        EXPECT_LT(needle.ClusterSetting3, tables_.PlateCount()) << row;
+        EXPECT_TRUE(needle.ClusterSetting2 == 0 || !function(needle.ClusterSetting2).FunctionShortName.empty()) << row;
+    }
     for (const tables::Plate& plate : tables_.plates) {
         const auto last = static_cast<std::size_t>(tables::kFirstPlatePoint + plate.PlateValue[1]);
         EXPECT_EQ(plate.PlateValue[tables::kFirstPlatePoint], plate.PlateValue[2]) << plate.PlateName;
