@@ -36,6 +36,35 @@ std::string on_one_line(std::string text) {
     return text;
 }
 
+std::uint32_t offset_of(const tables::FunctionRow& function, int sequence_number) {
+    const std::int32_t offsets[] = {function.FunctionOffset1, function.FunctionOffset2, function.FunctionOffset3,
+                                    function.FunctionOffset4};
+    return static_cast<std::uint32_t>(offsets[std::max(sequence_number, 1) - 1]);
+}
+
+// Puts an engineering value where a function reads it.
+void put_simulator_value(const tables::FunctionRow& function, int sequence_number, float value,
+                         simhost::OffsetSpace& space) {
+    const std::uint32_t at = offset_of(function, sequence_number);
+    const double raw = static_cast<double>(value) * static_cast<double>(function.FunctionDivider) /
+                           static_cast<double>(function.FunctionMultiplier) -
+                       static_cast<double>(function.FunctionAdd);
+    switch (function.FunctionDataType) {
+        case 0:
+            space.write_u8(at, static_cast<std::uint8_t>(std::lround(raw)));
+            break;
+        case 1:
+        case 2:
+            space.write_u16(at, static_cast<std::uint16_t>(std::lround(raw)));
+            break;
+        case 3:
+            space.write_u32(at, static_cast<std::uint32_t>(std::llround(std::clamp(raw, -2147483648.0, 2147483647.0))));
+            break;
+        default:
+            space.write_f64(at, raw);
+    }
+}
+
 bool shows_needle(const tables::GaugeRow& gauge, int needle) {
     if (gauge.GaugeType < 1 || gauge.GaugeType > kLastNeedleType) {
         return false;
@@ -153,12 +182,19 @@ void Rig::start_simulator() {
 void Rig::move_every_needle() {
     const bool flying = flight_.enabled();
     hold();
-    for (const std::uint8_t filling : {std::uint8_t{0x40}, std::uint8_t{0xC0}, std::uint8_t{0}}) {
-        const std::vector<std::uint8_t> bytes(simhost::kOffsetSpaceBytes, filling);
-        sim().write_bytes(0, bytes);
+    for (const bool up : {true, false}) {
+        for (const tables::GaugeRow& row : file_tables_.gauges) {
+            for (int needle = 1; needle <= 2; ++needle) {
+                if (shows_needle(row, needle)) {
+                    const auto number = static_cast<std::size_t>(needle == 1 ? row.GaugeFunction1 : row.GaugeFunction2);
+                    const tables::FunctionRow& function = file_tables_.functions[number];
+                    put_simulator_value(function, needle == 1 ? row.GaugeSeqNr1 : row.GaugeSeqNr2,
+                                        up ? function.FunctionMaximum : function.FunctionMinimum, sim());
+                }
+            }
+        }
         advance(500ms);
     }
-    simhost::OffsetMap::write_constants(sim());
     simulator.step(0ms);
     advance(500ms);
     if (flying) {
@@ -178,9 +214,7 @@ void Rig::set_gauges_up() {
 }
 
 double simulator_value(const tables::FunctionRow& function, int sequence_number, const simhost::OffsetSpace& space) {
-    const std::int32_t offsets[] = {function.FunctionOffset1, function.FunctionOffset2, function.FunctionOffset3,
-                                    function.FunctionOffset4};
-    const auto at = static_cast<std::uint32_t>(offsets[std::max(sequence_number, 1) - 1]);
+    const std::uint32_t at = offset_of(function, sequence_number);
     double raw = 0;
     switch (function.FunctionDataType) {
         case 0:
