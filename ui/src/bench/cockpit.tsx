@@ -1,7 +1,7 @@
 import type { JSX } from "preact";
 import { useState } from "preact/hooks";
 
-import { faceOf } from "./faces";
+import { faceOf, groupOf, placeOf, type Group } from "./faces";
 import type { Instrument, LineLayout } from "./protocol";
 import { flagOf, numberOf, textOf, useDeviceValues, useLineValues, useTopic, type Store } from "./store";
 
@@ -139,6 +139,19 @@ function Answer({ store }: { store: Store }): JSX.Element | null {
   );
 }
 
+const GROUPS: [Group, string][] = [
+  ["flight", "Flight instruments"],
+  ["stack", "Radio stack"],
+  ["engine", "Gauges"],
+  ["other", "Clocks and trim"],
+];
+
+function membersOf(instruments: Instrument[], group: Group): Instrument[] {
+  return instruments
+    .filter((instrument) => groupOf(instrument.face) === group)
+    .sort((one, other) => placeOf(one.face) - placeOf(other.face) || one.port - other.port || one.id - other.id);
+}
+
 export function Cockpit({ store, command }: Shared): JSX.Element {
   useTopic(store, "layout");
   useTopic(store, "connected");
@@ -158,9 +171,18 @@ export function Cockpit({ store, command }: Shared): JSX.Element {
         ))}
       </div>
       <main class="panel">
-        {store.instruments.map((instrument) => (
-          <InstrumentTile key={instrument.key} instrument={instrument} store={store} command={command} />
-        ))}
+        {GROUPS.map(([group, title]) => {
+          const members = membersOf(store.instruments, group);
+          return (
+            members.length > 0 && (
+              <section class={`group group-${group}`} key={group} aria-label={title}>
+                {members.map((instrument) => (
+                  <InstrumentTile key={instrument.key} instrument={instrument} store={store} command={command} />
+                ))}
+              </section>
+            )
+          );
+        })}
         {store.connected && store.instruments.length === 0 && <p class="empty">No instruments in this configuration.</p>}
       </main>
     </div>
