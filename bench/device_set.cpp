@@ -34,7 +34,8 @@ DeviceSet::DeviceSet(platform::EventLoop& loop, const CoreTables& tables, ReplyT
     if (tables.GaugeBusPort1 > 0) {
         auto controller = std::make_unique<BusController>(loop, timing);
         BusController& bus = *controller;
-        add_gauges(tables, bus);
+        add_gauges(bus, tables);
+        print_faces(tables, bus);
         add_line(tables.GaugeBusPort1, "Gauge bus", std::move(controller), &bus);
     }
     if (tables.ClusterPort > 0 && line(tables.ClusterPort) == nullptr) {
@@ -60,13 +61,10 @@ void DeviceSet::add_instrument(int port, const char* role, std::unique_ptr<LineI
     lines_.push_back({port, role, std::move(instrument), nullptr, shown});
 }
 
-void DeviceSet::add_gauges(const CoreTables& tables, BusController& bus) {
+void DeviceSet::print_faces(const CoreTables& tables, BusController& bus) {
     for (int id = 1; id < tables::kGaugeRows; ++id) {
-        const tables::GaugeRow& row = tables.gauges[static_cast<std::size_t>(id)];
-        if (row.GaugeType != 0) {
-            Device& device = bus.add(id, {.type = row.GaugeType, .model = row.GaugeModel, .version = row.GaugeVersion});
-            set_up_device(device, row);
-            prints_[&device] = print_face(tables, row);
+        if (const Device* device = bus.device(id)) {
+            prints_[device] = print_face(tables, tables.gauges[static_cast<std::size_t>(id)]);
         }
     }
 }

@@ -42,7 +42,7 @@ class DeviceSet {
     void add_line(int port, const char* role, std::unique_ptr<LineDevice> device, BusController* bus);
     void add_instrument(int port, const char* role, std::unique_ptr<LineInstrument> instrument, FacePrint print);
     const FacePrint& print_at(const void* device) const;
-    void add_gauges(const tables::CoreTables& tables, BusController& bus);
+    void print_faces(const tables::CoreTables& tables, BusController& bus);
 
     std::vector<BenchLine> lines_;
     std::map<const void*, FacePrint> prints_;

@@ -86,13 +86,15 @@ BusController::Slot* BusController::listening(int id) {
 }
 
 void BusController::take_command(int id, const Command& command) {
-    if (command.number == bus::kCommandStatus) {
-        answer(id);
-    } else if (Slot* slot = listening(id)) {
+    Slot* const slot = listening(id);
+    if (slot == nullptr) {
+        return;
+    }
+    if (command.number != bus::kCommandStatus) {
         slot->device->take(command);
-        if (slot->device->answers(command)) {
-            answer(id);
-        }
+    }
+    if (slot->device->answers(command)) {
+        answer(id);
     }
 }
 

@@ -71,8 +71,8 @@ class Device {
     int unknown_commands() const { return unknown_commands_; }
     int bad_values() const { return bad_values_; }
 
-    // Whether the device answers this command with its report, as it does a status request.
-    virtual bool answers(const Command& /*command*/) const { return false; }
+    // Whether the device answers this command with its report; all answer a status request while they are switched on.
+    virtual bool answers(const Command& command) const { return command.number == bus::kCommandStatus; }
     // Carries out a command. Status requests are the controller's matter and do not come here; lights are the same on
     // all devices.
     void take(const Command& command);

@@ -78,6 +78,24 @@ void set_up_device(Device& device, const tables::GaugeRow& row) {
     }
 }
 
+void add_gauges(BusController& bus, const tables::CoreTables& tables) {
+    constexpr int kOff = 1;
+    Device* transponder = nullptr;
+    for (int id = 1; id < tables::kGaugeRows; ++id) {
+        const tables::GaugeRow& row = tables.gauges[static_cast<std::size_t>(id)];
+        if (row.GaugeType == 0) {
+            continue;
+        }
+        Device& device = bus.add(id, {.type = row.GaugeType, .model = row.GaugeModel, .version = row.GaugeVersion});
+        set_up_device(device, row);
+        const bool owns_code = row.GaugeType == 112 || row.GaugeType == 114 || row.GaugeType == 122;
+        if (owns_code && transponder != nullptr) {
+            transponder->operate("rotary", kOff);
+        }
+        transponder = owns_code ? &device : transponder;
+    }
+}
+
 const DeviceFamily& device_family(int type) {
     const auto found = std::find_if(kFamilies.begin(), kFamilies.end(),
                                     [type](const DeviceFamily& family) { return family.type == type; });

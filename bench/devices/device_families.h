@@ -3,6 +3,7 @@
 #include <memory>
 #include <span>
 
+#include "bench/devices/bus_controller.h"
 #include "bench/devices/device.h"
 
 namespace bench {
@@ -21,6 +22,10 @@ std::span<const DeviceFamily> device_families();
 
 // Gives a new device the set-up of its gauge's row.
 void set_up_device(Device& device, const tables::GaugeRow& row);
+
+// Hangs a device on the bus for every gauge row, with its set-up. Several transponders would each write their own code:
+// of those only the last one is switched on.
+void add_gauges(BusController& bus, const tables::CoreTables& tables);
 
 // The row of a type. A type without a row gets a device that says who it is and does nothing else.
 const DeviceFamily& device_family(int type);

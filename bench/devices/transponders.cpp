@@ -62,8 +62,13 @@ bool Transponder::is_737() const {
     return identity().type == k737Type;
 }
 
+std::string Transponder::code_text(int number) const {
+    const std::string text = code(number).text();
+    return is_off() ? std::string(text.size(), ' ') : shown(text);
+}
+
 bool Transponder::answers(const Command& command) const {
-    return is_737() && command.number == kCommandAtc;
+    return !is_off() && (Device::answers(command) || (is_737() && command.number == kCommandAtc));
 }
 
 bool Transponder::operate(std::string_view control, int amount) {
@@ -120,12 +125,12 @@ void Transponder::fill_report(ReportBytes& report) const {
 }
 
 void Transponder::show_state(StateSink& sink) const {
-    sink.text("code1", shown(codes_[0].text()));
-    sink.text("code2", shown(codes_[1].text()));
+    sink.text("code1", code_text(1));
+    sink.text("code2", code_text(2));
     sink.number("active", active_);
     sink.number("rotary", rotary_);
     sink.flag("ident", ident());
-    sink.flag("atc", atc_ && lights().displays_on());
+    sink.flag("atc", atc_ && !is_off() && lights().displays_on());
     sink.number("altSource", altitude_source_);
     sink.flag("externalOnOff", external_on_off_);
     sink.number("brightness", brightness_.level(lights()));
@@ -165,7 +170,7 @@ std::string BkTransponder::flight_level_text() const {
 }
 
 bool BkTransponder::answers(const Command& command) const {
-    return command.number == kCommandFlightLevel;
+    return Device::answers(command) || command.number == kCommandFlightLevel;
 }
 
 bool BkTransponder::operate(std::string_view control, int amount) {

@@ -20,7 +20,9 @@ class Transponder : public Device {
 
     const TransponderCode& code(int number) const { return codes_[number == 2 ? 1 : 0]; }
     int active() const { return active_; }  // 1 or 2
-    int rotary() const { return rotary_; }  // 1..5, 3 = on
+    int rotary() const { return rotary_; }  // 1 = off, 3 = on, 2, 4, 5 = standby and what else there is
+    // It is dark and says nothing, so that another transponder of the cockpit can have the code.
+    bool is_off() const { return rotary_ == kOff; }
     bool ident() const { return ident_.pressed(now()); }
     bool atc() const { return atc_; }
 
@@ -38,7 +40,10 @@ class Transponder : public Device {
     void reset() override;
 
   private:
+    static constexpr int kOff = 1;
+
     bool is_737() const;
+    std::string code_text(int number) const;
     Answer show_atc(int value);
 
     std::array<TransponderCode, 2> default_codes_{TransponderCode(01200), TransponderCode(01200)};

@@ -149,7 +149,7 @@ TEST(RadioRack, a_transponder_sets_code_mode_and_ident_and_shows_the_flight_leve
         int standby_position;
         int standby_mode;
     };
-    for (const Case& one : {Case{112, 1, 1}, Case{114, 1, 3}, Case{122, 2, 1}}) {
+    for (const Case& one : {Case{112, 2, 1}, Case{114, 2, 3}, Case{122, 2, 1}}) {
         Rack rack;
         Rig& rig = rack.rig;
         rack.build({{76, one.type, 1, 26, 1, 3, 0}});

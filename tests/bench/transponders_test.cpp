@@ -62,7 +62,10 @@ TEST_F(Transponders, codes_are_reported_in_nibbles_and_defaults_come_with_the_po
     ctl30.operate("digit1", 1);
     EXPECT_EQ(reported(ctl30, 10), 0x10) << "the knobs turn the active code";
     EXPECT_EQ(reported(ctl30, 15), 2);
+    ctl30.operate("rotary", 1);
+    EXPECT_FALSE(ctl30.answers({bus::kCommandStatus, 0})) << "switched off";
     ctl30.operate("rotary", 5);
+    EXPECT_TRUE(ctl30.answers({bus::kCommandStatus, 0}));
     ctl30.power_on();
     EXPECT_EQ(ctl30.code(1).text(), "4321");
     EXPECT_EQ(ctl30.code(2).text(), "2345");

@@ -120,12 +120,7 @@ void Rig::build_bench() {
     if (file_tables_.ConfigError != 0) {
         ADD_FAILURE() << "the demo configuration does not load: " << boxes_shown();
     }
-    for (int id = 1; id < static_cast<int>(file_tables_.gauges.size()); ++id) {
-        const tables::GaugeRow& row = file_tables_.gauges[static_cast<std::size_t>(id)];
-        if (row.GaugeType != 0) {
-            bench::set_up_device(controller.add(id, {row.GaugeType, row.GaugeModel, row.GaugeVersion}), row);
-        }
-    }
+    bench::add_gauges(controller, file_tables_);
     if (file_tables_.GaugeBusPort1 > 0) {
         gauge_wire().record = false;
         bench::connect(controller, gauge_wire());

@@ -6,7 +6,7 @@ import { Row, Screen, Unit, UnitLamp } from "../unit";
 import type { Face, FaceProps } from "./face";
 
 const UNIT_OF_737 = 114;
-const POSITIONS = ["1", "2", "3 ON", "4", "5"];
+const POSITIONS = ["OFF", "STBY", "ON", "4", "5"];
 
 export function DigitKnobs({ bench, code }: { bench: Bench; code: string }): JSX.Element {
   return (
