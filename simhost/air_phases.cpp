@@ -93,7 +93,7 @@ bool cruise(FlightScript& script, Aircraft& aircraft, double dt_s) {
     script.pilot.hold_speed(aircraft, 62.0, dt_s);
     script.pilot.mind_autopilot(aircraft, kCircuitHeightM, kDownwindMagneticDeg, dt_s);
     move_mixture(aircraft, 0.82, dt_s);
-    if (!client_tunes(aircraft)) {  // find the radial to the second beacon
+    if (!aircraft.hands.owns(ClientGroup::courses)) {  // find the radial to the second beacon
         aircraft.radios.obs2_deg = approach(aircraft.radios.obs2_deg, 215.0, 12.0 * dt_s);
         aircraft.radios.adf_card_deg = wrap360(std::round(aircraft.instruments.gyro_heading_deg()));
     }

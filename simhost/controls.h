@@ -42,8 +42,9 @@ enum class ClientGroup : std::uint8_t {
     radios,
     autopilot,
     heading_bug,
+    courses,  // course selectors and the card of the ADF
 };
-inline constexpr int kClientGroups = 16;
+inline constexpr int kClientGroups = 17;
 
 class ClientHands {
   public:
@@ -52,6 +53,8 @@ class ClientHands {
     void step(double dt_s);
     double age_s(ClientGroup group) const { return age_s_[static_cast<std::size_t>(group)]; }
     bool holds(ClientGroup group) const { return age_s(group) < kHoldS; }
+    // Whether a client has ever written to the group: a unit that tells only what changes keeps its knobs for good.
+    bool owns(ClientGroup group) const { return age_s(group) < kNever; }
 
   private:
     static constexpr double kNever = 1e9;

@@ -46,7 +46,7 @@ double angle(const A& a) {
 template <double Radios::*kAngle>
 void put_angle(A& a, double value) {
     a.radios.*kAngle = wrap360(value);
-    a.hands.touch(G::radios);
+    a.hands.touch(G::courses);
 }
 template <bool Autopilot::*kMode>
 double mode(const A& a) {

@@ -120,6 +120,9 @@ TEST_F(Program, simulates_the_configuration_of_the_folder_or_a_standard_set) {
         const Device* const device = devices.lines().front().bus->device(id);
         if (device != nullptr && std::string(devices.print_of(*device).face) == "needle_gauge") {
             ++gauges;
+            if (device->identity().type > 6) {
+                continue;  // an instrument with a face of its own
+            }
             EXPECT_NE(devices.print_of(*device).needles[0].title, "") << "gauge " << id;
             EXPECT_GE(devices.print_of(*device).needles[0].points.size(), 2U) << "gauge " << id;
         }
