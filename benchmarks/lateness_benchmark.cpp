@@ -1,4 +1,5 @@
-// How late the 40 ms tick comes in the whole program, against a bare timerfd loop of another process in the same run.
+// How late the 50 ms tick of the demo comes in the whole program, against a bare timerfd loop of another process in the
+// same run.
 // Usage: benchmark_lateness FOLDER SECONDS   (a working folder; simulator and hardware should be there)
 #include <sys/timerfd.h>
 #include <sys/wait.h>
@@ -20,7 +21,7 @@ namespace {
 using std::chrono::steady_clock;
 using Micros = std::chrono::duration<double, std::micro>;
 
-constexpr std::chrono::milliseconds kTick{40};
+constexpr std::chrono::milliseconds kTick{50};
 
 void print(const char* what, std::vector<double> late_us) {
     if (late_us.empty()) {

@@ -89,7 +89,7 @@ TEST(Faults, a_run_gets_over_whatever_its_simulator_does) {
         EXPECT_TRUE(rig.needles_settle_right());
         EXPECT_TRUE(rig.machine.boxes.shown().empty()) << rig.boxes_shown();
         rig.advance(2s);
-        EXPECT_EQ(rig.text("frmStatus", "frmXferCount"), "25");
+        EXPECT_EQ(rig.text("frmStatus", "frmXferCount"), "20");
     }
 }
 
@@ -188,7 +188,7 @@ TEST(Faults, a_run_gets_over_whatever_its_line_does) {
         EXPECT_TRUE(rig.machine.boxes.open_boxes().empty()) << rig.boxes_shown();
         EXPECT_LE(rig.machine.boxes.shown().size(), 50U) << rig.boxes_shown();
         rig.advance(2s);
-        EXPECT_EQ(rig.text("frmStatus", "frmXferCount"), "25");
+        EXPECT_EQ(rig.text("frmStatus", "frmXferCount"), "20");
     }
 }
 

@@ -48,7 +48,7 @@ TEST(Flight, a_whole_circuit_passes_without_a_question_and_with_every_tick) {
     while (rig.simulator.model().script().finished_circuits() == 0 && minutes < 40) {
         rig.advance(60s);
         ++minutes;
-        EXPECT_EQ(rig.text("frmStatus", "frmXferCount"), "25") << "in minute " << minutes;
+        EXPECT_EQ(rig.text("frmStatus", "frmXferCount"), "20") << "in minute " << minutes;
         EXPECT_TRUE(rig.needles_settle_right()) << "in minute " << minutes;
     }
     EXPECT_EQ(rig.simulator.model().script().finished_circuits(), 1);

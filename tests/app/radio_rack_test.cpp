@@ -135,10 +135,10 @@ TEST(RadioRack, marker_lamps_follow_the_simulator) {
     const auto& panel = dynamic_cast<const bench::AudioPanel&>(*rig.controller.device(75));
     rig.hold();
     rig.sim().write_u16(kOuterMarker, 1);
-    rig.advance(300ms);
+    rig.advance(500ms);
     EXPECT_TRUE(panel.marker_lamp(bench::AudioPanel::outer));
     rig.sim().write_u16(kOuterMarker, 0);
-    rig.advance(300ms);
+    rig.advance(500ms);
     EXPECT_FALSE(panel.marker_lamp(bench::AudioPanel::outer));
     rack.expect_healthy();
 }

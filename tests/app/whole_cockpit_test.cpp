@@ -136,7 +136,8 @@ const Expectation kExpectations[] = {
     {15, "navStandby", 0.02, Scale::straight, tuned_at<0x3120>},
     {16, "active", 0.02, Scale::straight, kilohertz_at<0x2D4>},
     {31, "code", 0, Scale::straight, kilohertz_at<0x354>},
-    {31, "flightLevel", 0, Scale::straight, [](const OffsetSpace& sim) { return std::floor(sim.read_i32(0x3324) / 100.0); }},
+    {31, "flightLevel", 0, Scale::straight,
+     [](const OffsetSpace& sim) { return std::floor(sim.read_i32(0x3324) / 100.0); }},
     {32, "distance", 0.06, Scale::straight, tenths_at<0x300>},
     {32, "speed", 0.06, Scale::straight, tenths_at<0x302>},
     {33, "distance", 0.06, Scale::straight, tenths_at<0x300>},
@@ -177,11 +178,16 @@ struct WholeCockpit : testing::Test {
             int plate;
         };
         const Picture gauge = picture(37);
-        for (const Needle& needle : {Needle{"fuelLeft", 46, 1, 5}, {"fuelRight", 46, 2, 6}, {"egt", 40, 1, 9},
-                                     {"fuelFlow", 41, 1, 4}, {"oilTemperature", 42, 1, 17}, {"oilPressure", 43, 1, 8},
-                                     {"vacuum", 44, 1, 10}, {"ampere", 45, 1, 11}}) {
-            EXPECT_NEAR(gauge.value(needle.state),
-                        plate_steps(needle.function, needle.sequence_number, needle.plate), 1.0)
+        for (const Needle& needle : {Needle{"fuelLeft", 46, 1, 5},
+                                     {"fuelRight", 46, 2, 6},
+                                     {"egt", 40, 1, 9},
+                                     {"fuelFlow", 41, 1, 4},
+                                     {"oilTemperature", 42, 1, 17},
+                                     {"oilPressure", 43, 1, 8},
+                                     {"vacuum", 44, 1, 10},
+                                     {"ampere", 45, 1, 11}}) {
+            EXPECT_NEAR(gauge.value(needle.state), plate_steps(needle.function, needle.sequence_number, needle.plate),
+                        1.0)
                 << moment << ": " << needle.state;
         }
         for (int row = 0; row < 7; ++row) {
@@ -233,8 +239,15 @@ TEST_F(WholeCockpit, a_whole_circuit_is_flown_with_the_settings_of_the_cockpit) 
     const auto& script = rig.simulator.model().script();
     for (; script.finished_circuits() == 0 && seconds < 1200; ++seconds) {
         rig.advance(1s);
-        for (const auto& [id, state] : {std::pair{35, "outer"}, {35, "middle"}, {35, "inner"}, {34, "ap"}, {34, "alt"},
-                                        {34, "apr"}, {34, "rol"}, {5, "slopeValid"}, {36, "lit"}}) {
+        for (const auto& [id, state] : {std::pair{35, "outer"},
+                                        {35, "middle"},
+                                        {35, "inner"},
+                                        {34, "ap"},
+                                        {34, "alt"},
+                                        {34, "apr"},
+                                        {34, "rol"},
+                                        {5, "slopeValid"},
+                                        {36, "lit"}}) {
             seen[state] += picture(id).value(state) != 0 ? 1 : 0;
         }
         seen["autopilot moves the wheel"] += picture(36).texts["motor"] == "autopilot" ? 1 : 0;
@@ -244,8 +257,8 @@ TEST_F(WholeCockpit, a_whole_circuit_is_flown_with_the_settings_of_the_cockpit) 
     EXPECT_EQ(script.finished_circuits(), 1) << rig.story();
     EXPECT_LT(seconds, 900);
     EXPECT_EQ(seen["too slow"], 0);
-    for (const char* state : {"outer", "middle", "ap", "alt", "apr", "rol", "slopeValid", "captured",
-                              "autopilot moves the wheel"}) {
+    for (const char* state :
+         {"outer", "middle", "ap", "alt", "apr", "rol", "slopeValid", "captured", "autopilot moves the wheel"}) {
         EXPECT_GT(seen[state], 0) << state;
     }
     EXPECT_EQ(rig.text("frmStatus", "boxMissedTicks"), "0");

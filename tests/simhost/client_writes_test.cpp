@@ -120,6 +120,41 @@ TEST(ClientWrites, the_autopilot_flies_the_heading_and_the_altitude_that_a_clien
     EXPECT_NEAR(simulator.aircraft().airframe.altitude_m(), 1000, 25);
 }
 
+// A heading indicator tells its bug all the time, turned or not.
+TEST(ClientWrites, a_bug_in_other_hands_leaves_the_circuit_to_the_turn_knob_until_heading_mode_follows_it) {
+    Simulator simulator;
+    simulator.jump_to(Phase::climbing_turn);
+    const auto tell_bug = [&](std::uint64_t bug, int times) {
+        for (int i = 0; i < times; ++i) {
+            client_writes(simulator, 0x07CC, bug, 2);
+            fly(simulator, 0.5);
+        }
+    };
+    while (simulator.model().script().phase() == Phase::climbing_turn) {
+        tell_bug(0x2000, 1);
+    }
+    EXPECT_EQ(simulator.value("ap_wing_leveler"), 1);
+    EXPECT_EQ(simulator.value("ap_heading"), 0);
+    EXPECT_NEAR(simulator.aircraft().airframe.heading_deg(), simhost::kRunwayHeadingDeg - 180.0, 10);
+    EXPECT_NEAR(simulator.value("heading_bug"), 45, 0.01);
+
+    client_writes(simulator, 0x07C8, 1, 4);
+    tell_bug(0x1000, 30);
+    EXPECT_NEAR(simulator.aircraft().airframe.heading_deg(), 22.5 + simhost::kMagneticVariationDeg, 5);
+}
+
+TEST(ClientWrites, an_ident_goes_out_although_the_unit_tells_that_its_button_is_up_again) {
+    Simulator simulator;
+    fly(simulator, 0.1);
+    client_writes(simulator, 0x7B93, 1, 1);
+    fly(simulator, 0.5);
+    client_writes(simulator, 0x7B93, 0, 1);
+    fly(simulator, 5);
+    EXPECT_EQ(simulator.value("transponder_ident"), 1);
+    fly(simulator, 20);
+    EXPECT_EQ(simulator.value("transponder_ident"), 0);
+}
+
 TEST(ClientWrites, a_tuned_station_brings_the_needles_to_life_and_another_frequency_flags_them) {
     Simulator simulator;
     simulator.jump_to(Phase::final_approach);
