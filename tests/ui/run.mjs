@@ -4,6 +4,7 @@ import { openBrowser } from "./browser.mjs";
 import { CaseRunner } from "./case_runner.mjs";
 import { runClusterCases } from "./cluster_cases.mjs";
 import { runFlightCases } from "./flight_cases.mjs";
+import { runInstrumentCases } from "./instrument_cases.mjs";
 import { runPageCases } from "./page_cases.mjs";
 
 const folder = process.argv[2] ?? "out";
@@ -11,6 +12,7 @@ const runner = new CaseRunner("build.d/pictures");
 const browser = await openBrowser();
 try {
   await runPageCases(runner, browser);
+  await runInstrumentCases(runner, browser);
   await runFlightCases(runner, browser, folder);
   await runBenchCases(runner, browser, folder);
   await runClusterCases(runner, browser, folder);

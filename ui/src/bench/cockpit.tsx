@@ -109,6 +109,7 @@ function InstrumentTile({ instrument, store, command }: Shared & { instrument: I
       data-instrument={instrument.key}
       data-type={instrument.type}
       data-lit={lit}
+      data-power={flagOf(values, "power")}
       style={{ "--glow": glow.toFixed(3) }}
     >
       <Drawing instrument={instrument} values={values} command={command} />

@@ -37,11 +37,11 @@ interface KnobProps {
 
 /** A knob that turns for ever. Drag it sideways or upwards, turn the wheel, click its left or right half, or use keys. */
 export function Knob({ bench, name, label, value = "", kind = "plain" }: KnobProps): JSX.Element {
-  const [angle, setAngle] = useState(0);
+  const [turned, setTurned] = useState(0);
   const drag = useRef<{ x: number; y: number; clicks: number } | null>(null);
   const click = (amount: number) => {
     if (amount === 0) return;
-    setAngle((before) => before + amount * DEGREES_PER_CLICK);
+    setTurned((before) => before + amount);
     turn(bench, name, amount);
   };
   return (
@@ -50,8 +50,8 @@ export function Knob({ bench, name, label, value = "", kind = "plain" }: KnobPro
       role="slider"
       tabIndex={0}
       aria-label={label}
-      aria-valuenow={0}
-      aria-valuetext={value}
+      aria-valuenow={turned}
+      aria-valuetext={value === "" ? `turned by ${turned} clicks` : value}
       title={value === "" ? label : `${label}: ${value}`}
       data-knob={name}
       onKeyDown={(event) => {
@@ -64,10 +64,11 @@ export function Knob({ bench, name, label, value = "", kind = "plain" }: KnobPro
       onWheel={(event) => {
         event.preventDefault();
         event.stopPropagation();
-        click((event.deltaY < 0 ? 1 : -1) * (event.shiftKey ? FAST : 1));
+        if (event.deltaY !== 0) click((event.deltaY < 0 ? 1 : -1) * (event.shiftKey ? FAST : 1));
       }}
       onPointerDown={(event) => {
         event.stopPropagation();
+        if (event.button !== 0) return;
         event.currentTarget.setPointerCapture(event.pointerId);
         drag.current = { x: event.clientX, y: event.clientY, clicks: 0 };
       }}
@@ -78,15 +79,16 @@ export function Knob({ bench, name, label, value = "", kind = "plain" }: KnobPro
         click(clicks - drag.current.clicks);
         drag.current.clicks = clicks;
       }}
+      onPointerCancel={() => (drag.current = null)}
       onPointerUp={(event) => {
-        const moved = drag.current !== null && drag.current.clicks !== 0;
+        const held = drag.current;
         drag.current = null;
-        if (moved) return;
+        if (held === null || held.clicks !== 0) return;
         const box = event.currentTarget.getBoundingClientRect();
         click(event.clientX < box.left + box.width / 2 ? -1 : 1);
       }}
     >
-      <span class="knob-cap" style={{ transform: `rotate(${angle}deg)` }} />
+      <span class="knob-cap" style={{ transform: `rotate(${turned * DEGREES_PER_CLICK}deg)` }} />
     </span>
   );
 }
@@ -158,7 +160,7 @@ export function Rotary({ bench, name, label, positions, first = 1, position }: R
       data-rotary={name}
       onWheel={(event) => {
         event.preventDefault();
-        set(position + (event.deltaY < 0 ? 1 : -1));
+        if (event.deltaY !== 0) set(position + (event.deltaY < 0 ? 1 : -1));
       }}
     >
       {positions.map((caption, index) => {

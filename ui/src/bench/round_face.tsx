@@ -36,10 +36,19 @@ export function RoundFace({ label, print, children, corners = {} }: RoundFacePro
   );
 }
 
-/** A small window with digits in a dial. */
-export function Window({ x, y, width, text, name }: { x: number; y: number; width: number; text: string; name: string }): JSX.Element {
+interface WindowProps {
+  x: number;
+  y: number;
+  width: number;
+  text: string;
+  name: string;
+  kind?: "lit" | "drum";
+}
+
+/** A small window in a dial: digits that light, or a drum that needs no power. */
+export function Window({ x, y, width, text, name, kind = "lit" }: WindowProps): JSX.Element {
   return (
-    <g class="window" transform={`translate(${x} ${y})`}>
+    <g class={`window window-${kind}`} transform={`translate(${x} ${y})`}>
       <rect x={-width / 2} y={-8.5} width={width} height={17} rx={2.5} />
       <text data-display={name}>{text}</text>
     </g>

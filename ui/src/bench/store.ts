@@ -86,6 +86,11 @@ export function numberOf(values: Values, name: string): number {
   return typeof value === "number" ? value : 0;
 }
 
+/** A number within limits: a drawing must not leave its case, whatever the device says. */
+export function limitedOf(values: Values, name: string, low: number, high: number): number {
+  return Math.min(high, Math.max(low, numberOf(values, name)));
+}
+
 export function textOf(values: Values, name: string): string {
   const value = values[name];
   return typeof value === "string" ? value : "";

@@ -22,10 +22,10 @@ function print(): JSX.Element {
           </text>
         );
       })}
-      <text class="face-title" x={0} y={-46} font-size={9}>
+      <text class="face-title" x={0} y={-40} font-size={9}>
         ALT
       </text>
-      <text class="face-unit" x={0} y={52} font-size={8}>
+      <text class="face-unit" x={0} y={40} font-size={8}>
         100 FEET
       </text>
     </g>
@@ -37,7 +37,6 @@ function Altimeter({ instrument, values, command }: FaceProps): JSX.Element {
   const altitude = numberOf(values, "altitude");
   const inches = textOf(values, "pressureUnit") === "inHg";
   const pressure = numberOf(values, "pressure").toFixed(inches ? 2 : 0);
-  const power = flagOf(values, "power");
   return (
     <RoundFace
       label={`Altimeter, id ${instrument.id}`}
@@ -53,8 +52,8 @@ function Altimeter({ instrument, values, command }: FaceProps): JSX.Element {
         ),
       }}
     >
-      <Window x={0} y={-27} width={48} name="altitude" text={Math.round(altitude).toString().padStart(5, " ")} />
-      <Window x={38} y={4} width={36} name="pressure" text={power ? pressure : ""} />
+      <Window x={-35} y={0} width={46} name="altitude" kind="drum" text={Math.round(altitude).toString().padStart(5, " ")} />
+      <Window x={38} y={0} width={40} name="pressure" text={pressure} />
       <Needle degrees={(altitude / (FEET_PER_TURN[0] * 10)) * 360} length={82} tail={0} width={3} colour="white" number={3} steps={0} />
       <Needle degrees={(altitude / FEET_PER_TURN[0]) * 360} length={46} tail={14} width={13} colour="white" number={2} steps={0} />
       <Needle degrees={(altitude / FEET_PER_TURN[1]) * 360} length={76} tail={18} width={8} colour="white" number={1} steps={Math.round(altitude)} />

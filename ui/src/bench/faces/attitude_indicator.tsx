@@ -2,7 +2,7 @@ import type { JSX } from "preact";
 
 import { Turn } from "../compass";
 import { RoundFace, WarningFlag } from "../round_face";
-import { flagOf, numberOf } from "../store";
+import { flagOf, limitedOf, numberOf } from "../store";
 import { RadialMark } from "../svg";
 import type { Face, FaceProps } from "./face";
 
@@ -10,6 +10,7 @@ const UNITS_PER_DEGREE = 2.6;
 const LADDER = [-20, -15, -10, -5, 5, 10, 15, 20];
 const BANK_MARKS = [-60, -45, -30, -20, -10, 0, 10, 20, 30, 45, 60];
 const BALL_RANGE = 26;
+const PITCH_RANGE = 28; // degrees to the stop
 const MODEL_WITH_BALL = 5;
 
 function Ladder({ degrees }: { degrees: number }): JSX.Element {
@@ -29,7 +30,8 @@ function Ladder({ degrees }: { degrees: number }): JSX.Element {
 
 function AttitudeIndicator({ instrument, values }: FaceProps): JSX.Element {
   const bank = numberOf(values, "bank");
-  const pitch = numberOf(values, "pitch");
+  const pitch = limitedOf(values, "pitch", -PITCH_RANGE, PITCH_RANGE);
+  const slip = limitedOf(values, "slip", -1, 1);
   const clip = `attitude-${instrument.key}`;
   return (
     <RoundFace label={`Attitude indicator, id ${instrument.id}`}>
@@ -40,7 +42,7 @@ function AttitudeIndicator({ instrument, values }: FaceProps): JSX.Element {
       </defs>
       <g clip-path={`url(#${clip})`}>
         <Turn degrees={-bank} name="bank">
-          <g class="sliding" data-pitch={Math.round(pitch)} style={{ transform: `translateY(${(pitch * UNITS_PER_DEGREE).toFixed(2)}px)` }}>
+          <g class="sliding" data-pitch={Math.round(numberOf(values, "pitch"))} style={{ transform: `translateY(${(pitch * UNITS_PER_DEGREE).toFixed(2)}px)` }}>
             <rect class="sky" x={-200} y={-300} width={400} height={300} />
             <rect class="ground" x={-200} y={0} width={400} height={300} />
             <line class="horizon" x1={-200} y1={0} x2={200} y2={0} stroke-width={2} />
@@ -59,9 +61,9 @@ function AttitudeIndicator({ instrument, values }: FaceProps): JSX.Element {
       <path class="symbol" d="M -56 0 H -24 L -16 9 M 56 0 H 24 L 16 9" />
       <circle class="lubber" r={2.8} />
       {instrument.model === MODEL_WITH_BALL && (
-        <g transform="translate(0 66)" data-slip={numberOf(values, "slip")}>
+        <g transform="translate(0 66)" data-slip={slip}>
           <rect class="display-window" x={-36} y={-6} width={72} height={12} rx={6} />
-          <circle class="hand-body" cx={numberOf(values, "slip") * BALL_RANGE} r={5.4} />
+          <circle class="hand-body" cx={slip * BALL_RANGE} r={5.4} />
         </g>
       )}
       <WarningFlag x={38} y={-44} text="GYRO" shown={flagOf(values, "inop")} name="gyro" />

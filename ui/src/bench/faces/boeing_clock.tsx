@@ -22,13 +22,13 @@ const PRINT = (
         </text>
       );
     })}
-    <text class="face-unit" x={0} y={-43} font-size={7.5}>
+    <text class="face-unit" x={0} y={-45} font-size={6.5}>
       TIME
     </text>
-    <text class="face-unit" x={0} y={-3} font-size={7.5}>
+    <text class="face-unit" x={0} y={-15} font-size={6.5}>
       DATE
     </text>
-    <text class="face-unit" x={0} y={36} font-size={7.5}>
+    <text class="face-unit" x={0} y={29} font-size={6.5}>
       ELAPSED
     </text>
   </g>
@@ -55,9 +55,9 @@ function BoeingClock({ instrument, values, command }: FaceProps): JSX.Element {
         "bottom-right": <Knob bench={bench} name="setMinute" label="Set the minute" value={time} />,
       }}
     >
-      <Window x={0} y={-30} width={54} name="time" text={flagOf(values, "power") ? time : ""} />
-      <Window x={0} y={10} width={78} name="date" text={textOf(values, "date")} />
-      <Window x={0} y={49} width={62} name="elapsed" text={elapsed} />
+      <Window x={0} y={-31} width={54} name="time" text={time} />
+      <Window x={0} y={16} width={78} name="date" text={textOf(values, "date")} />
+      <Window x={0} y={42} width={66} name="elapsed" text={elapsed} />
       <Turn degrees={(second / SECONDS_A_MINUTE) * 360} name="second">
         <path class="hand-body" d="M -1.2 16 L -1.2 -74 L 1.2 -74 L 1.2 16 Z" />
       </Turn>

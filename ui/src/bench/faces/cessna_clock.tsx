@@ -10,7 +10,7 @@ function CessnaClock({ instrument, values, command }: FaceProps): JSX.Element {
   return (
     <Unit label={`Clock, id ${instrument.id}`} title="Clock · OAT · Volts">
       <Row>
-        <Screen name="upper" caption="OAT / VOLTS" text={textOf(values, "upper")} ghost="888.8" size="big" />
+        <Screen name="upper" caption="OAT / VOLTS" text={textOf(values, "upper")} ghost="888.8 8" size="big" />
         <PushButton bench={bench} name="upper" caption="OAT" label="Next reading of the upper display" />
       </Row>
       <Row>

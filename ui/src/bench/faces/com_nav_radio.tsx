@@ -18,7 +18,7 @@ function Half({ bench, values, half }: HalfProps): JSX.Element {
   const name = half.toUpperCase();
   const standby = textOf(values, `${half}Standby`);
   return (
-    <Row>
+    <>
       <Screen name={`${half}Active`} caption={`${name} use`} text={textOf(values, `${half}Active`)} ghost={GHOST} />
       <PushButton bench={bench} name={`${half}Swap`} caption="⇄" label={`Swap ${name} frequencies`} />
       <Screen name={`${half}Standby`} caption="Standby" text={standby} ghost={GHOST} />
@@ -28,7 +28,7 @@ function Half({ bench, values, half }: HalfProps): JSX.Element {
         inner={{ name: `${half}Fine`, label: `${name} standby, fine` }}
         value={standby}
       />
-    </Row>
+    </>
   );
 }
 
@@ -37,8 +37,10 @@ function ComNavRadio({ instrument, values, command }: FaceProps): JSX.Element {
   return (
     <Unit label={`COM and NAV radio, id ${instrument.id}`} title="COM / NAV">
       <Row>
-        <Half bench={bench} values={values} half="com" />
-        <Half bench={bench} values={values} half="nav" />
+        <span class="unit-halves">
+          <Half bench={bench} values={values} half="com" />
+          <Half bench={bench} values={values} half="nav" />
+        </span>
         <Rotary bench={bench} name="on" label="Power" positions={["OFF", "ON"]} first={0} position={flagOf(values, "on") ? 1 : 0} />
       </Row>
     </Unit>

@@ -29,7 +29,7 @@ function HeadingIndicator({ instrument, values, command }: FaceProps): JSX.Eleme
     >
       <Turn degrees={-card} name="card">
         <CompassRose radius={84} labelSize={15} />
-        <g transform={`rotate(${bug})`} data-bug={Math.round(bug)}>
+        <g transform={`rotate(${bug % 360})`} data-bug={Math.round(bug)}>
           <path class="bug" d="M -9 -87 H 9 V -79 H 4 L 0 -84 L -4 -79 H -9 Z" />
         </g>
       </Turn>

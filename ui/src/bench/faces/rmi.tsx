@@ -46,8 +46,8 @@ function Rmi({ instrument, values, command }: FaceProps): JSX.Element {
         <path class="pointer-yellow" d={SINGLE} stroke-width={3} opacity={flagOf(values, "parked1") ? 0.45 : 1} />
       </Turn>
       <Hub radius={7} />
-      {dme1 !== "" && <Window x={-52} y={-84} width={40} name="dme1" text={dme1} />}
-      {dme2 !== "" && <Window x={52} y={-84} width={40} name="dme2" text={dme2} />}
+      {dme1 !== "" && <Window x={-65} y={-89} width={35} name="dme1" text={dme1} />}
+      {dme2 !== "" && <Window x={65} y={-89} width={35} name="dme2" text={dme2} />}
       <WarningFlag x={0} y={34} text="INOP" shown={flagOf(values, "inop")} name="inop" />
     </RoundFace>
   );
