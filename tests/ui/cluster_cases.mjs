@@ -61,11 +61,17 @@ async function a_cluster_on_its_own_line_shows_both_engines(clusters) {
 
 async function its_lights_and_displays_go_out(clusters) {
   await clusters.telegram({ 36: 75, 37: 50, 38: 2 });
-  await until(async () => (await clusters.unit.getAttribute("data-lit")) === "false", "no backlight");
-  const shown = await clusters.unit.locator("[data-display]").allTextContents();
-  equal(shown.map((text) => text.trim()), ["", ""], "displays");
+  // Lit first: an earlier telegram leaves it dark, and a wait for darkness would not wait for the next one.
+  const lit = (state) => until(async () => (await clusters.unit.getAttribute("data-lit")) === state, `lit ${state}`);
+  const digits = async () => (await clusters.unit.locator("[data-display]").allTextContents()).map((text) => text.trim());
+  await clusters.telegram({ 36: 75, 37: 50, 38: 1 });
+  await lit("true");
+  equal(await digits(), ["12.3", ""], "displays while there is power");
+  await clusters.telegram({ 36: 75, 37: 50, 38: 2 });
+  await lit("false");
+  equal(await digits(), ["", ""], "displays");
   await clusters.telegram({ 38: 1 });
-  await until(async () => (await clusters.unit.getAttribute("data-lit")) === "true", "lit");
+  await lit("true");
 }
 
 async function its_fault_is_set_on_the_page(clusters) {
