@@ -202,8 +202,10 @@ void begin_taxi_in(FlightScript& script, Aircraft& aircraft) {
         aircraft.radios.transponder_standby = 1;
         aircraft.radios.transponder = kRestCode;
         aircraft.radios.sound_selector &= kNoMarkerSound;
-        aircraft.radios.obs2_deg = 90.0;
         aircraft.radios.swap(8);
+    }
+    if (!aircraft.hands.owns(ClientGroup::courses)) {
+        aircraft.radios.obs2_deg = 90.0;
     }
 }
 
