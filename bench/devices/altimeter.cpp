@@ -13,6 +13,8 @@ constexpr double kFeetPerSecond = 3000;
 constexpr int kStandardInches = 2992;
 constexpr int kStandardMillibar = 1013;
 constexpr int kMostClicks = 127;
+constexpr int kAllDigits = 5;
+constexpr int kFewDigits = 3;
 
 constexpr int kCommandAltitude = 4;
 constexpr int kCommandUnit = 5;
@@ -38,6 +40,7 @@ Altimeter::Altimeter(platform::EventLoop& loop, Identity identity)
 
 void Altimeter::set_up(Device& device, const tables::GaugeRow& row) {
     auto& altimeter = static_cast<Altimeter&>(device);
+    altimeter.digits_ = row.GaugePlate1 == 1 ? kFewDigits : kAllDigits;
     altimeter.choose_unit((row.GaugeModel == kInches ? kUnitInches : 0) |
                           (row.GaugeSeqNr2 != 0 ? kKnobViaSimulator : 0));
 }
@@ -75,7 +78,10 @@ Device::Answer Altimeter::take_command(const Command& command) {
             choose_unit(command.value);
             return Answer::done;
         case kCommandDigits:
-            digits_ = (command.value & 1) != 0 ? 3 : 5;
+            // With hands it is the brightness of the window; neither of its values is one of these.
+            if (command.value == 0 || command.value == 1) {
+                digits_ = command.value == 1 ? kFewDigits : kAllDigits;
+            }
             return Answer::done;
         case bus::kCommandSpeed:
         case 6:   // calibration: the delta, the needle's steps, storing it

@@ -14,6 +14,9 @@ constexpr double kParkedAt = kNeedleSteps / 4;
 
 constexpr int kCommandCard = 5;
 constexpr int kCommandBearing = 9;
+constexpr int kCommandSettings = 13;
+constexpr int kShowDmeInAdfMode = 1024;
+constexpr int kHideDmeInAdfMode = 1280;
 constexpr int kCommandFlag = 14;
 constexpr int kCommandDme = 15;
 
@@ -132,14 +135,18 @@ Device::Answer RadioMagneticIndicator::take_command(const Command& command) {
             return Answer::done;
         case kCommandDme:
             return take_distance(command.value);
+        case kCommandSettings:
+            if (command.value == kShowDmeInAdfMode || command.value == kHideDmeInAdfMode) {
+                shows_dme_in_adf_mode_ = command.value == kShowDmeInAdfMode;
+            }
+            return Answer::done;
         case bus::kCommandRecalibrate:
         case bus::kCommandSpeed:
-        case 4:  // speed of the needles, their test and trim, calibration, settings
+        case 4:  // speed of the needles, their test and trim, calibration
         case 6:
         case 10:
         case 11:
         case 12:
-        case 13:
             return Answer::done;
         default:
             return Answer::unknown_command;
