@@ -197,7 +197,8 @@ void BoeingClock::fill_report(ReportBytes& report) const {
 void BoeingClock::show_state(StateSink& sink) const {
     const int second = second_of_day();
     const Date date = today();
-    sink.number("hour", second / kSecondsPerHour);
+    const int hour = second / kSecondsPerHour;
+    sink.number("hour", hour);
     sink.number("minute", second / kSecondsPerMinute % kSecondsPerMinute);
     sink.number("second", second % kSecondsPerMinute);
     sink.text("date", shown(two_digits(date.day) + ' ' + kMonths[static_cast<std::size_t>(date.month - 1)] + ' ' +

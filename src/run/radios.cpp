@@ -41,7 +41,8 @@ class FiveDigits {
 }  // namespace
 
 float simulator_frequency(std::uint16_t reported) {
-    return static_cast<float>(reported / kDroppedDigit + kLeadingOne);
+    const int number = reported / kDroppedDigit + kLeadingOne;
+    return static_cast<float>(number);
 }
 
 void set_up_radio(RunContext& run, int Index) {

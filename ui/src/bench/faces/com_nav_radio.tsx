@@ -6,7 +6,7 @@ import { flagOf, textOf } from "../store";
 import { Row, Screen, Unit } from "../unit";
 import type { Face, FaceProps } from "./face";
 
-const GHOST = "888.88";
+const GHOST = "888.888";
 
 interface HalfProps {
   bench: Bench;
