@@ -78,7 +78,11 @@ async function its_fault_is_set_on_the_page(clusters) {
   await clusters.unit.getByRole("button").click();
   await clusters.unit.getByLabel("Fault").selectOption("deaf");
   await clusters.unit.getByText("deaf", { exact: true }).waitFor();
+  // The fault ends over another way than the telegram takes: only when the line has heard it may the unit hear again.
+  const heard = async () => Number((await clusters.page.locator(`[data-line="${clusterPort}"] [data-figure="bytes/s"]`).textContent()).replace(",", ""));
+  await until(async () => (await heard()) === 0, "a silent line");
   await clusters.telegram({ 2: 0, 3: 0 });
+  await until(async () => (await heard()) > 0, "the telegram on the line");
   await clusters.unit.getByLabel("Fault").selectOption("none");
   await clusters.unit.getByText("deaf", { exact: true }).waitFor({ state: "detached" });
   await clusters.telegram({ 10: 4, 11: 176 });

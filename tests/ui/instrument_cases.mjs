@@ -4,7 +4,7 @@ import { equal, holds, until } from "./case_runner.mjs";
 import { instruments, keyOf, ScriptedBench } from "./scripted_bench.mjs";
 
 const texts = {
-  pressureUnit: "inHg", kind: "COM", active: "118.350", standby: "121.500", comActive: "118.35", comStandby: "121.50",
+  pressureUnit: "inHg", kind: "COM", active: "118.350", standby: "121.500", comActive: "118.350", comStandby: "121.500",
   navActive: "110.30", navStandby: "113.90", code: "1200", code1: "1200", code2: "7000", flightLevel: "054", date: "22 NOV 26",
   elapsed: "1:05:09", upper: "24.5 V", lower: "09:31:07", upperMode: "V", lowerMode: "LT", distance: "12.3", speed: "120", time: "6",
   frequency: "112.450", display: "5000", dme1: "12.3", dme2: "---", source1: "VOR", source2: "ADF", motor: "off",
