@@ -3,10 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <memory>
-#include <new>
 #include <vector>
 
 #include "panel/panel_host.h"
@@ -16,10 +13,9 @@
 #include "simlink/sim_com.h"
 #include "support/bytes.h"
 #include "tables/core_tables.h"
+#include "tests/support/allocation_counter.h"
 
 namespace {
-
-std::atomic<std::uint64_t> allocations{0};
 
 constexpr std::int16_t kPorts = 500;
 
@@ -111,20 +107,5 @@ void puts_to_500_ports(benchmark::State& state) {
 BENCHMARK(puts_to_500_ports)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
-
-// Not inlined: GCC takes the pair of malloc and delete apart otherwise and warns.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 BENCHMARK_MAIN();

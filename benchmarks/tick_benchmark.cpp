@@ -5,11 +5,8 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
-#include <cstdlib>
 #include <memory>
-#include <new>
 #include <vector>
 
 #include "bus/gauge_bus.h"
@@ -22,10 +19,9 @@
 #include "simlink/ipc_client.h"
 #include "simlink/sim_com.h"
 #include "tables/core_tables.h"
+#include "tests/support/allocation_counter.h"
 
 namespace {
-
-std::atomic<std::uint64_t> allocations{0};
 
 constexpr int kGauges = 250;
 constexpr int kFirstFunction = 51;
@@ -241,20 +237,5 @@ void tick_of_every_family(benchmark::State& state) {
 BENCHMARK(tick_of_every_family)->Arg(32)->Arg(64)->Arg(128)->Arg(254)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 }  // namespace
-
-// Not inlined: GCC takes the pair of malloc and delete apart otherwise and warns.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* const memory = std::malloc(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 BENCHMARK_MAIN();

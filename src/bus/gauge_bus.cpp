@@ -163,15 +163,9 @@ void GaugeBus::send_pending_frame() {
 }
 
 void GaugeBus::open_port_if_closed() {
-    if (MSComm1_->is_open()) {
-        return;
+    if (!MSComm1_->is_open()) {
+        open_line(*MSComm1_, PortPlace::gauge_bus, tables_.GaugeBusPort1);
     }
-    const PortSettings& settings = port_settings(PortPlace::gauge_bus);
-    MSComm1_->set_number(tables_.GaugeBusPort1);
-    MSComm1_->set_settings(settings.settings);
-    MSComm1_->set_receive_threshold(settings.bytes_per_event);
-    MSComm1_->set_read_length(settings.bytes_per_event);
-    MSComm1_->open();
 }
 
 void GaugeBus::retry_open() {

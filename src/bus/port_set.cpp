@@ -26,6 +26,15 @@ const PortSettings& port_settings(PortPlace place) {
     return kPorts[static_cast<std::size_t>(place)];
 }
 
+void open_line(platform::SerialPort& port, PortPlace place, int number) {
+    const PortSettings& settings = port_settings(place);
+    port.set_number(number);
+    port.set_settings(settings.settings);
+    port.set_receive_threshold(settings.bytes_per_event);
+    port.set_read_length(settings.bytes_per_event);
+    port.open();
+}
+
 void PortSet::OpenAllPorts() {
     std::string error_list;
     for (std::size_t place = 0; place < kPortPlaces; ++place) {

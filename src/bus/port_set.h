@@ -32,6 +32,9 @@ struct PortSettings {
 };
 const PortSettings& port_settings(PortPlace place);
 
+// Opens a closed port under its number with the settings of its place. Throws the port's Failure.
+void open_line(platform::SerialPort& port, PortPlace place, int number);
+
 // Opens and closes all serial ports of the system. A configured port whose owner is not part of the program is left
 // alone.
 class PortSet {

@@ -396,13 +396,8 @@ void frmStatusEC::retry_open() {
     if (MSComm1_->is_open() || !ports_.failed(bus::PortPlace::cluster) || !hasPort()) {
         return;
     }
-    const bus::PortSettings& settings = bus::port_settings(bus::PortPlace::cluster);
     try {
-        MSComm1_->set_number(tables_.ClusterPort);
-        MSComm1_->set_settings(settings.settings);
-        MSComm1_->set_receive_threshold(settings.bytes_per_event);
-        MSComm1_->set_read_length(settings.bytes_per_event);
-        MSComm1_->open();
+        bus::open_line(*MSComm1_, bus::PortPlace::cluster, tables_.ClusterPort);
     } catch (const support::Failure&) {
         return;
     }

@@ -1,14 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
-
 #include "cluster/frm_status_ec.h"
 #include "tests/run/run_world.h"
+#include "tests/support/allocation_counter.h"
 
 namespace {
-
-int allocations = 0;
 
 // A port that takes everything at once and keeps nothing.
 class OpenPort : public platform::SerialPort {
@@ -63,7 +59,7 @@ TEST(EngineClusterTick, allocates_nothing_while_all_needles_move) {
             world.set_value(function, 900.5 - 7.5 * tick, 2);
         }
         world.tick();
-        const int before = allocations;
+        const std::uint64_t before = allocations;
         panel.ProcessTimer_Timer();
         EXPECT_EQ(allocations, before) << "tick " << tick;
     }
@@ -73,18 +69,3 @@ TEST(EngineClusterTick, allocates_nothing_while_all_needles_move) {
 }
 
 }  // namespace
-
-// Not inlined: GCC takes the pair of malloc and delete apart otherwise and warns.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* const memory = std::malloc(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}

@@ -1,17 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <map>
-#include <new>
 #include <string>
 
 #include "run_world.h"
+#include "tests/support/allocation_counter.h"
 
 namespace {
 
 using run_test::RunWorld;
-
-int allocations = 0;
 
 // A gauge of every type, with functions, plates and flags that make it work as much as it can.
 void add_gauges(RunWorld& world) {
@@ -49,12 +46,12 @@ TEST(SteadyTick, no_family_allocates_in_its_branch_or_with_its_report) {
             std::string telegram(bus::kReportLength, static_cast<char>(round % 100 + 1));
             telegram[bus::kReportGaugeIdByte - 1] = static_cast<char>(run.entry(index).ActiveGaugeId);
             const bus::GaugeReport report(telegram);
-            const int before = allocations;
+            const std::uint64_t before = allocations;
             row->tick(run, index);
             if (row->report != nullptr) {
                 row->report(run, report);
             }
-            const int made = allocations - before;
+            const auto made = static_cast<int>(allocations - before);
             found[row->code] += made;
         }
     }
@@ -65,18 +62,3 @@ TEST(SteadyTick, no_family_allocates_in_its_branch_or_with_its_report) {
 }
 
 }  // namespace
-
-// Not inlined: GCC takes the pair of malloc and delete apart otherwise and warns.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* const memory = std::malloc(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}

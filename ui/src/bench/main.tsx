@@ -1,6 +1,7 @@
 import { render } from "preact";
 
 import "./bench.css";
+import "./controls.css";
 import "./instruments.css";
 import { openSocket } from "../shared/socket";
 import { Cockpit } from "./cockpit";
