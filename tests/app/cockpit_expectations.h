@@ -153,6 +153,18 @@ inline const Expectation kExpectations[] = {
     {36, "wheel", 3, Scale::straight, [](const OffsetSpace& sim) { return 512 + sim.read_i16(0xBC0) * 512.0 / 16383; }},
 };
 
+// The needles of the engine cluster on the gauge bus, and the functions and plates that its row in the demo names.
+struct ClusterNeedle {
+    const char* state;
+    int function;
+    int sequence_number;
+    int plate;
+};
+inline constexpr ClusterNeedle kClusterNeedles[] = {
+    {"fuelLeft", 46, 1, 5},        {"fuelRight", 46, 2, 6},   {"egt", 40, 1, 9},     {"fuelFlow", 41, 1, 4},
+    {"oilTemperature", 42, 1, 17}, {"oilPressure", 43, 1, 8}, {"vacuum", 44, 1, 10}, {"ampere", 45, 1, 11},
+};
+
 // How far a device is from what is expected of it.
 inline double deviation(const Expectation& row, const Picture& picture, const OffsetSpace& sim) {
     const double off = picture.value(row.state) - row.expected(sim);

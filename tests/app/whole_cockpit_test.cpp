@@ -28,21 +28,8 @@ struct WholeCockpit : testing::Test {
     }
     // The two clusters point where their plates put the simulator's values.
     void expect_clusters(const std::string& moment) {
-        struct Needle {
-            const char* state;
-            int function;
-            int sequence_number;
-            int plate;
-        };
         const Picture gauge = picture(37);
-        for (const Needle& needle : {Needle{"fuelLeft", 46, 1, 5},
-                                     {"fuelRight", 46, 2, 6},
-                                     {"egt", 40, 1, 9},
-                                     {"fuelFlow", 41, 1, 4},
-                                     {"oilTemperature", 42, 1, 17},
-                                     {"oilPressure", 43, 1, 8},
-                                     {"vacuum", 44, 1, 10},
-                                     {"ampere", 45, 1, 11}}) {
+        for (const ClusterNeedle& needle : kClusterNeedles) {
             EXPECT_NEAR(gauge.value(needle.state), plate_steps(needle.function, needle.sequence_number, needle.plate),
                         1.0)
                 << moment << ": " << needle.state;
