@@ -147,6 +147,10 @@ void forget_trim_wheel(RunContext& run, int Index) {
 
 void report_trim_wheel(RunContext& run, const bus::GaugeReport& report) {
     tables::GaugeRow& gauge = run.tables.gauges[static_cast<std::size_t>(report.gauge_id())];
+    // In the row of another gauge these fields are the numbers of its ports.
+    if (gauge.GaugeType != report.GaugeType()) {
+        return;
+    }
     gauge.GaugeWritePort3 = report.byte(kReportMotorMode);
     const int position = report.word(kReportPosition);
     if (position <= static_cast<int>(kHighestPosition) && std::abs(position - gauge.GaugeWritePort2) >= kLeastChange) {
