@@ -9,12 +9,10 @@ struct LaterPanel {
     const char* name;
     const char* title;
 };
-constexpr std::array<LaterPanel, 6> kLaterPanels = {{
+constexpr std::array<LaterPanel, 4> kLaterPanels = {{
     {"FrmMainConfigure", "Configuration"},
     {"SaveConfig", "Save configuration"},
     {"frmTestFunction", "Test a function"},
-    {"frmStatusIOM", "IO module 1"},
-    {"frmstatusIOM2", "IO module 2"},
     {"frmStatusFFB", "Force feedback yokes"},
 }};
 
@@ -29,12 +27,18 @@ Cockpit::Cockpit(const platform::Platform& platform)
       gauge_bus_(platform_, tables_),
       run_panel_({platform_, tables_, sim_com_, gauge_bus_, ports_, panels_}),
       cluster_panel_({platform_, tables_, sim_com_, ports_, panels_, run_panel_.context().cluster}),
+      io_module1_({platform_, tables_, sim_com_, gauge_bus_, ports_, panels_}),
+      io_module2_({platform_, tables_, sim_com_, gauge_bus_, ports_, panels_}),
       start_panel_({platform_, tables_, configuration_, client_, *this, panels_}) {
     panels_.add(start_panel_);
     panels_.add(run_panel_);
     panels_.add(sim_com_);
     panels_.add(cluster_panel_);
+    panels_.add(io_module1_);
+    panels_.add(io_module2_);
     run_panel_.set_participant(run::ParticipantPlace::cluster, &cluster_panel_);
+    run_panel_.set_participant(run::ParticipantPlace::iom1, &io_module1_);
+    run_panel_.set_participant(run::ParticipantPlace::iom2, &io_module2_);
     for (const LaterPanel& later : kLaterPanels) {
         placeholders_.push_back(std::make_unique<panel::PlaceholderPanel>(panels_, later.name, later.title));
         panels_.add(*placeholders_.back());

@@ -8,6 +8,7 @@
 #include "bus/gauge_bus.h"
 #include "bus/port_set.h"
 #include "cluster/frm_status_ec.h"
+#include "iomodule/frm_status_iom.h"
 #include "panel/panel_host.h"
 #include "panel/placeholder_panel.h"
 #include "platform/platform.h"
@@ -46,6 +47,8 @@ class Cockpit final : private simlink::RunStarter {
     bus::PortSet& ports() { return ports_; }
     run::frmStatus& run_panel() { return run_panel_; }
     cluster::frmStatusEC& cluster_panel() { return cluster_panel_; }
+    iomodule::frmStatusIOM& io_module1() { return io_module1_; }
+    iomodule::frmStatusIOM& io_module2() { return io_module2_; }
     simlink::frmMain& start_panel() { return start_panel_; }
 
   private:
@@ -67,6 +70,8 @@ class Cockpit final : private simlink::RunStarter {
     bus::GaugeBus gauge_bus_;
     run::frmStatus run_panel_;
     cluster::frmStatusEC cluster_panel_;
+    iomodule::frmStatusIOM io_module1_;
+    iomodule::frmstatusIOM2 io_module2_;
     simlink::frmMain start_panel_;
     std::vector<std::unique_ptr<panel::PlaceholderPanel>> placeholders_;
 };

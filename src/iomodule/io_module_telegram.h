@@ -14,6 +14,7 @@ inline constexpr int kSwitches = 48;
 inline constexpr int kLeds = 32;
 inline constexpr int kAnalogueInputs = 8;
 inline constexpr int kGroupSize = 8;  // switches A1 to F8, LEDs A1 to D8
+inline constexpr int kHighestPotentiometer = 1023;
 
 // --- Commands, PC to module ---------------------------------------------------------------------------------------
 

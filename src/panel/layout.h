@@ -14,6 +14,7 @@ enum class LayoutKind {
     row,     // side by side, wrapping where the page is narrow
     frame,   // a column with a border and a caption
     tabs,    // children are frames, of which one shows at a time
+    board,   // rows of so many small controls of a kind, close together, each under the one above
 };
 
 // How a panel's controls are grouped; a tree in the order in which the page shows them.
@@ -22,6 +23,7 @@ struct LayoutNode {
     std::string caption;
     Control* control = nullptr;
     std::vector<LayoutNode> children;
+    int columns = 0;  // of a board
 
     LayoutNode() = default;
     LayoutNode(Control& shown)
@@ -38,6 +40,11 @@ inline LayoutNode row(std::vector<LayoutNode> children) {
 }
 inline LayoutNode frame(std::string caption, std::vector<LayoutNode> children) {
     return {LayoutKind::frame, std::move(caption), std::move(children)};
+}
+inline LayoutNode board(int columns, std::vector<LayoutNode> children) {
+    LayoutNode node(LayoutKind::board, {}, std::move(children));
+    node.columns = columns;
+    return node;
 }
 inline LayoutNode tabs(std::vector<LayoutNode> frames) {
     return {LayoutKind::tabs, {}, std::move(frames)};

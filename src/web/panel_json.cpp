@@ -18,7 +18,7 @@ using panel::LayoutNode;
 constexpr std::array<const char*, 11> kKindNames = {"label",          "text_box",  "check_box", "option_button",
                                                     "combo_box",      "list_box",  "slider",    "progress_bar",
                                                     "command_button", "indicator", "picture"};
-constexpr std::array<const char*, 5> kLayoutNames = {"control", "column", "row", "frame", "tabs"};
+constexpr std::array<const char*, 6> kLayoutNames = {"control", "column", "row", "frame", "tabs", "board"};
 constexpr std::array<const char*, 3> kStateNames = {"hidden", "shown", "minimised"};
 constexpr std::array<const char*, 3> kBoxNames = {"message", "question", "input"};
 
@@ -119,6 +119,9 @@ void append_layout(std::string& out, const LayoutNode& node) {
         append_place(out, *node.control);
     } else {
         append_text_item(out, "caption", node.caption);
+        if (node.kind == LayoutKind::board) {
+            append_number_item(out, "columns", node.columns);
+        }
         append_key(out, "children");
         out += '[';
         for (const LayoutNode& child : node.children) {

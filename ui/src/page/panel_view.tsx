@@ -163,6 +163,12 @@ function NodeView({ panel, node, act }: NodeProps) {
           <Stack panel={panel} nodes={node.children} act={act} />
         </div>
       );
+    case "board":
+      return (
+        <div class="board" style={{ "--columns": node.columns }}>
+          <Children panel={panel} nodes={node.children} act={act} />
+        </div>
+      );
     case "row":
       return (
         <div class={rowClass(panel, node.children)}>

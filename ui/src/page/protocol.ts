@@ -40,7 +40,8 @@ export interface Control extends ControlState {
 
 export type LayoutNode =
   | ({ kind: "control" } & Place)
-  | { kind: "column" | "row" | "frame" | "tabs"; caption: string; children: LayoutNode[] };
+  | { kind: "column" | "row" | "frame" | "tabs"; caption: string; children: LayoutNode[] }
+  | { kind: "board"; caption: string; columns: number; children: LayoutNode[] };
 
 export interface WindowInfo {
   name: string;
