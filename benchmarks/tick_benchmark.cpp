@@ -20,6 +20,7 @@
 #include "simlink/sim_com.h"
 #include "tables/core_tables.h"
 #include "tests/support/allocation_counter.h"
+#include "tests/support/open_port.h"
 
 namespace {
 
@@ -74,38 +75,6 @@ std::vector<tables::GaugeRow> dual_needle_gauges() {
     return rows;
 }
 
-// A port that takes everything at once.
-class OpenPort : public platform::SerialPort {
-  public:
-    explicit OpenPort(std::size_t& bytes_taken) : bytes_taken_(bytes_taken) {}
-    void set_number(int number) override { number_ = number; }
-    int number() const override { return number_; }
-    void set_settings(const std::string&) override {}
-    void set_receive_threshold(std::size_t) override {}
-    void set_read_length(std::size_t) override {}
-    void set_event_handler(EventHandler) override {}
-    void open() override { open_ = true; }
-    void close() override { open_ = false; }
-    bool is_open() const override { return open_; }
-    bool connected() const override { return open_; }
-    std::string read() override { return {}; }
-    void clear_input() override {}
-    void clear_output() override {}
-    void write(std::string_view bytes) override { bytes_taken_ = bytes.size(); }
-    bool carrier_detect() const override { return false; }
-
-  private:
-    std::size_t& bytes_taken_;
-    int number_ = 0;
-    bool open_ = false;
-};
-
-class OpenPorts : public platform::SerialPorts {
-  public:
-    std::unique_ptr<platform::SerialPort> create() override { return std::make_unique<OpenPort>(bytes_taken); }
-    std::size_t bytes_taken = 0;
-};
-
 class FullBus {
   public:
     // Gauges with the ids 1 to `gauges`, of the given rows again and again.
@@ -150,7 +119,7 @@ class FullBus {
         }
         sim_com_.ProcessTimer_Timer();
     }
-    std::size_t bytes_taken() const { return ports_taken_.bytes_taken; }
+    std::size_t bytes_taken() const { return ports_taken_.made.front()->last_write_size; }
 
   private:
     void add_plate() {
@@ -166,7 +135,7 @@ class FullBus {
     }
 
     platform::manual::ManualPlatform machine_;
-    OpenPorts ports_taken_;
+    test_support::OpenPorts ports_taken_;
     platform::Platform platform_{machine_.loop,  machine_.boxes, machine_.wall_clock,    machine_.random,
                                  machine_.files, ports_taken_,   machine_.sim_transport, machine_.key_delivery};
     std::unique_ptr<tables::CoreTables> tables_ = std::make_unique<tables::CoreTables>();

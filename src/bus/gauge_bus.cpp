@@ -219,7 +219,7 @@ void GaugeBus::MSComm1_OnComm(platform::SerialEvent event) {
 }
 
 void GaugeBus::take_report() {
-    tables_.LastReply = MSComm1_->read();
+    MSComm1_->read_into(tables_.LastReply);
     tables_.ReplyReceived = 1;
     if (check_report(tables_.LastReply) != ReportError::none) {
         // This is how the receiver gets back in step after a lost byte: it throws away everything and waits for the

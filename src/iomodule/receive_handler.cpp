@@ -56,7 +56,7 @@ void frmStatusIOM::MSComm1_OnComm(platform::SerialEvent event) {
 }
 
 void frmStatusIOM::take_telegram() {
-    LastInput = MSComm1_->read();
+    MSComm1_->read_into(LastInput);
     if (LastInput.size() < kShortestTelegram) {
         return;
     }

@@ -15,11 +15,16 @@ void BufferedSerialPort::set_number(int number) {
 }
 
 std::string BufferedSerialPort::read() {
+    std::string taken;
+    read_into(taken);
+    return taken;
+}
+
+void BufferedSerialPort::read_into(std::string& bytes) {
     const std::size_t length = read_length_ == 0 ? input_.size() : std::min(read_length_, input_.size());
-    std::string taken = input_.substr(0, length);
+    bytes.assign(input_, 0, length);
     input_.erase(0, length);
     ++reads_;
-    return taken;
 }
 
 void BufferedSerialPort::arrived(std::string_view bytes) {

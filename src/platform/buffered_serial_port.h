@@ -20,6 +20,7 @@ class BufferedSerialPort : public SerialPort {
     void set_read_length(std::size_t bytes) override { read_length_ = bytes; }
     void set_event_handler(EventHandler handler) override { handler_ = std::move(handler); }
     std::string read() override;
+    void read_into(std::string& bytes) override;
     void clear_input() override { drop_input(); }
 
     std::size_t receive_threshold() const { return threshold_; }

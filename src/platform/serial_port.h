@@ -46,6 +46,8 @@ class SerialPort {
 
     // Takes up to the read length of waiting bytes. Empty when nothing waits or the port is closed.
     virtual std::string read() = 0;
+    // The same into a text that keeps its capacity.
+    virtual void read_into(std::string& bytes) { bytes = read(); }
     // Drops what waits at the input. Nothing on a closed port.
     virtual void clear_input() = 0;
     // Drops what has not gone out yet. Nothing on a closed port.

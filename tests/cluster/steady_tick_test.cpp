@@ -3,43 +3,13 @@
 #include "cluster/frm_status_ec.h"
 #include "tests/run/run_world.h"
 #include "tests/support/allocation_counter.h"
+#include "tests/support/open_port.h"
 
 namespace {
 
-// A port that takes everything at once and keeps nothing.
-class OpenPort : public platform::SerialPort {
-  public:
-    explicit OpenPort(int& writes) : writes_(writes) {}
-    void set_number(int number) override { number_ = number; }
-    int number() const override { return number_; }
-    void set_settings(const std::string&) override {}
-    void set_receive_threshold(std::size_t) override {}
-    void set_read_length(std::size_t) override {}
-    void set_event_handler(EventHandler) override {}
-    void open() override { open_ = true; }
-    void close() override { open_ = false; }
-    bool is_open() const override { return open_; }
-    bool connected() const override { return open_; }
-    std::string read() override { return {}; }
-    void clear_input() override {}
-    void clear_output() override {}
-    void write(std::string_view) override { ++writes_; }
-    bool carrier_detect() const override { return false; }
-
-  private:
-    int& writes_;
-    int number_ = 0;
-    bool open_ = false;
-};
-
-struct OpenPorts : platform::SerialPorts {
-    int writes = 0;
-    std::unique_ptr<platform::SerialPort> create() override { return std::make_unique<OpenPort>(writes); }
-};
-
 TEST(EngineClusterTick, allocates_nothing_while_all_needles_move) {
     run_test::RunWorld world;
-    OpenPorts ports;
+    test_support::OpenPorts ports;
     const platform::Platform& machine = world.platform;
     const platform::Platform platform{machine.loop,  machine.boxes, machine.wall_clock,    machine.random,
                                       machine.files, ports,         machine.sim_transport, machine.key_delivery};
@@ -63,7 +33,7 @@ TEST(EngineClusterTick, allocates_nothing_while_all_needles_move) {
         panel.ProcessTimer_Timer();
         EXPECT_EQ(allocations, before) << "tick " << tick;
     }
-    EXPECT_GE(ports.writes, 40);
+    EXPECT_GE(ports.made.front()->writes, 40);
     EXPECT_EQ(panel.boxValue[15].text.get(), "758.00");
     world.status.set_participant(run::ParticipantPlace::cluster, nullptr);
 }
