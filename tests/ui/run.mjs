@@ -5,6 +5,7 @@ import { CaseRunner } from "./case_runner.mjs";
 import { runClusterCases } from "./cluster_cases.mjs";
 import { runFlightCases } from "./flight_cases.mjs";
 import { runInstrumentCases } from "./instrument_cases.mjs";
+import { runIoCases } from "./io_cases.mjs";
 import { runPageCases } from "./page_cases.mjs";
 
 const folder = process.argv[2] ?? "out";
@@ -13,6 +14,7 @@ const browser = await openBrowser();
 try {
   await runPageCases(runner, browser);
   await runInstrumentCases(runner, browser);
+  await runIoCases(runner, browser);
   await runFlightCases(runner, browser, folder);
   await runBenchCases(runner, browser, folder);
   await runClusterCases(runner, browser, folder);

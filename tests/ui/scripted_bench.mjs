@@ -31,21 +31,38 @@ const units = [
   ["trim_wheel", 140],
   ["engine_cluster_gauge", 8],
   ["engine_cluster", 0],
+  ["io_module", 0, 3],
   ["needle_gauge", 2],
 ];
 
+// Units with a port of their own.
+const ownPorts = { engine_cluster: 15, io_module: 9 };
+
 const noNeedle = { title: "", sequence: 1, plate: "", points: [] };
 
+function printOf(face) {
+  if (face !== "io_module") return {};
+  const printed = (count, names) => Array.from({ length: count }, (_, number) => names[number] ?? "");
+  return {
+    board: {
+      switches: printed(48, { 0: "NavLights", 1: "GearLever", 3: "COMStandby", 4: "COMStandby", 9: "<Ctrl+G>", 10: "HeadingBug", 11: "Altitude" }),
+      leds: printed(32, { 0: "ParkingBrake", 9: "OuterMarker" }),
+      pots: printed(8, { 0: "Throttle", 1: "Mixture" }),
+    },
+  };
+}
+
 export const instruments = units.map(([face, type, model = 1], index) => ({
-  key: face === "engine_cluster" ? "15.0" : `1.${index + 1}`,
-  port: face === "engine_cluster" ? 15 : 1,
-  id: face === "engine_cluster" ? 0 : index + 1,
+  key: face in ownPorts ? `${ownPorts[face]}.0` : `1.${index + 1}`,
+  port: ownPorts[face] ?? 1,
+  id: face in ownPorts ? 0 : index + 1,
   type,
   model,
   version: 1,
   face,
-  typeName: face,
+  typeName: face === "io_module" ? "IO module 1" : face,
   needles: Array.from({ length: face === "engine_cluster" ? 16 : 8 }, () => noNeedle),
+  ...printOf(face),
 }));
 
 export function keyOf(face, type) {

@@ -3,6 +3,8 @@ import { render } from "preact";
 import "./bench.css";
 import "./controls.css";
 import "./instruments.css";
+import "./switchboard.css";
+import "./switchboard_controls.css";
 import { openSocket } from "../shared/socket";
 import { Cockpit } from "./cockpit";
 import type { Message } from "./protocol";

@@ -17,6 +17,13 @@ export interface NeedlePrint {
   display?: number; // the display that shows the value in figures
 }
 
+/** What is printed on the board of an IO module, by number; empty where nothing is assigned. */
+export interface BoardPrint {
+  switches: string[];
+  leds: string[];
+  pots: string[];
+}
+
 export interface Instrument {
   key: string;
   port: number;
@@ -27,6 +34,7 @@ export interface Instrument {
   face: string;
   typeName: string;
   needles: NeedlePrint[];
+  board?: BoardPrint;
 }
 
 export type Values = Record<string, number | string | boolean>;

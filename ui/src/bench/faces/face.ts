@@ -13,5 +13,5 @@ export interface FaceProps {
 export interface Face {
   component: ComponentType<FaceProps>;
   /** Width of the drawing against a small gauge. */
-  size(instrument: Instrument): "small" | "large" | "wide";
+  size(instrument: Instrument): "small" | "large" | "wide" | "board";
 }

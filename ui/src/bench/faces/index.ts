@@ -14,6 +14,7 @@ import { engineClusterGaugeFace } from "./engine_cluster_gauge";
 import type { Face } from "./face";
 import { genericFace } from "./generic";
 import { headingIndicatorFace } from "./heading_indicator";
+import { ioModuleFace } from "./io_module";
 import { needleGaugeFace } from "./needle_gauge";
 import { radioFace } from "./radio";
 import { rmiFace } from "./rmi";
@@ -22,7 +23,7 @@ import { trimWheelFace } from "./trim_wheel";
 import { vorIndicatorFace } from "./vor_indicator";
 
 /** Where on the panel an instrument stands. */
-export type Group = "flight" | "stack" | "engine" | "other";
+export type Group = "flight" | "stack" | "engine" | "other" | "io";
 
 interface Row {
   face: Face;
@@ -52,6 +53,7 @@ const FACES: Record<string, Row> = {
   boeing_clock: { face: boeingClockFace, group: "other" },
   cessna_clock: { face: cessnaClockFace, group: "other" },
   trim_wheel: { face: trimWheelFace, group: "other" },
+  io_module: { face: ioModuleFace, group: "io" },
 };
 
 const ORDER = Object.keys(FACES);
