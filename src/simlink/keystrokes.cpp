@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/send_keys.h"
+
 namespace simlink {
 
 namespace {
@@ -10,7 +12,6 @@ namespace {
 constexpr std::uint32_t kPressParameter = 0x800;
 constexpr std::uint32_t kPressControl = 0x200;
 constexpr std::uint32_t kPressShift = 0x100;
-constexpr std::string_view kBracedCharacters = "}{+%^)([]~";
 
 struct NamedKey {
     int code;
@@ -56,7 +57,7 @@ std::string send_keys_text(std::uint16_t KeyCode) {
         text += '+';
     }
     const char character = static_cast<char>(KeyCode & kKeyMask);
-    if (kBracedCharacters.find(character) != std::string_view::npos) {
+    if (platform::kBracedCharacters.find(character) != std::string_view::npos) {
         text += '{';
         text += character;
         text += '}';

@@ -92,8 +92,8 @@ class SimCom : public panel::Panel {
 
     // Keystrokes. A key code whose low byte is 0 does nothing.
     void SendKeystroke(std::int16_t KeyCode);
-    // To the active window of the desktop, while the run panel is minimised. Throws a Failure where keys can't be
-    // delivered.
+    // To the active window of the desktop, while the run panel is minimised. A message tells the user when that fails,
+    // once until a keystroke has been delivered again.
     void SendKeystrokeLocal(std::int16_t KeyCode);
     void ConvertKeytoName(int KeyCode);
 
@@ -224,6 +224,7 @@ class SimCom : public panel::Panel {
     std::int16_t adf1_bearing_ = 0;
     std::int16_t adf2_bearing_ = 0;
 
+    bool key_failure_told_ = false;
     bool approach_to_second_offset_ = false;
     bool rmi_second_vor_ = false;
     bool rmi_second_adf_ = false;

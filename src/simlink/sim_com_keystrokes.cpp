@@ -3,6 +3,7 @@
 #include "simlink/keystrokes.h"
 #include "simlink/sim_com.h"
 #include "simlink/sim_offsets.h"
+#include "support/failure.h"
 
 namespace simlink {
 
@@ -22,11 +23,21 @@ void SimCom::SendKeystrokeLocal(std::int16_t KeyCode) {
         return;
     }
     const std::string text = send_keys_text(code);
-    if (run_panel_minimised && run_panel_minimised()) {
+    const std::string received = "Keystroke received from IO module: " + text + "\n";
+    if (!run_panel_minimised || !run_panel_minimised()) {
+        boxes_.message(received + "To send to Active Window the Control Progam be minimized");
+        return;
+    }
+    try {
         key_delivery_.send(text);
-    } else {
-        boxes_.message("Keystroke received from IO module: " + text +
-                       "\nTo send to Active Window the Control Progam be minimized");
+        key_failure_told_ = false;
+    } catch (const support::Failure& failure) {
+        // Switches go on being moved: one message must do.
+        if (!key_failure_told_) {
+            key_failure_told_ = true;
+            boxes_.message(received + "It could not be sent to Active Window: " + failure.description() +
+                           "\nThis message does not come again until a keystroke has been sent.");
+        }
     }
 }
 

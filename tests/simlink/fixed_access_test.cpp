@@ -244,6 +244,29 @@ TEST_F(FixedAccessTest, keystrokes_go_to_the_simulator_or_to_the_desktop) {
     EXPECT_EQ(sim_com_.KeyName, "");
 }
 
+TEST_F(FixedAccessTest, keystrokes_that_fail_are_told_once_until_one_gets_through) {
+    sim_com_.run_panel_minimised = [] { return true; };
+    auto& keys = machine_.key_delivery;
+    keys.failure = "There is no desktop that the key could go to";
+    sim_com_.SendKeystrokeLocal(support::as_i16(0x8000 | 'G'));
+    sim_com_.SendKeystrokeLocal('H');
+    const std::vector<std::string> first{
+        "Keystroke received from IO module: ^G\nIt could not be sent to Active Window: There is no desktop that the "
+        "key "
+        "could go to\nThis message does not come again until a keystroke has been sent."};
+    EXPECT_EQ(machine_.boxes.shown(), first);
+
+    keys.failure.clear();
+    sim_com_.SendKeystrokeLocal('I');
+    EXPECT_EQ(keys.sent, std::vector<std::string>{"I"}) << "a failed key is not sent later";
+    EXPECT_EQ(machine_.boxes.shown(), first);
+    keys.failure = "The desktop does not answer";
+    sim_com_.SendKeystrokeLocal('J');
+    sim_com_.SendKeystrokeLocal('K');
+    ASSERT_EQ(machine_.boxes.shown().size(), 2U);
+    EXPECT_NE(machine_.boxes.shown()[1].find("The desktop does not answer"), std::string::npos);
+}
+
 TEST_F(FixedAccessTest, yoke_functions_are_kept_in_their_variables) {
     for (std::int16_t number = 0; number < simlink::kFfbFunctions; ++number) {
         const auto function_number = static_cast<std::int16_t>(190 + number);

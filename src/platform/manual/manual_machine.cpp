@@ -51,4 +51,11 @@ std::vector<std::string> ManualFiles::list(std::string_view ending) const {
     return names;
 }
 
+void ManualKeys::send(const std::string& keys) {
+    if (!failure.empty()) {
+        throw support::Failure(failure);
+    }
+    sent.push_back(keys);
+}
+
 }  // namespace platform::manual

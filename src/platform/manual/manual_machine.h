@@ -50,7 +50,8 @@ class ManualRandom : public Random {
 class ManualKeys : public KeyDelivery {
   public:
     std::vector<std::string> sent;
-    void send(const std::string& keys) override { sent.push_back(keys); }
+    std::string failure;  // while it is not empty every keystroke fails with these words
+    void send(const std::string& keys) override;
 };
 
 }  // namespace platform::manual

@@ -3,7 +3,6 @@
 #include <ctime>
 
 #include "support/bytes.h"
-#include "support/failure.h"
 
 namespace platform::posix {
 
@@ -12,10 +11,6 @@ DateTime PosixWallClock::local_now() const {
     std::tm parts{};
     ::localtime_r(&seconds, &parts);
     return {parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec};
-}
-
-void PosixKeys::send(const std::string&) {
-    throw support::Failure("Keys cannot be sent to the desktop on this system");
 }
 
 std::string log_line(const std::string& text) {

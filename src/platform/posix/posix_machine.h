@@ -3,7 +3,6 @@
 #include <random>
 #include <string>
 
-#include "platform/key_delivery.h"
 #include "platform/random.h"
 #include "platform/wall_clock.h"
 
@@ -20,12 +19,6 @@ class PosixRandom : public Random {
 
   private:
     std::random_device device_;
-};
-
-// There is no delivery to a desktop on this system yet; each attempt fails with words for the user.
-class PosixKeys : public KeyDelivery {
-  public:
-    void send(const std::string& keys) override;
 };
 
 // A line for standard error: the text with its line breaks as " / " and other control characters as \xNN.

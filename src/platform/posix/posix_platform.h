@@ -8,6 +8,7 @@
 #include "platform/posix/posix_machine.h"
 #include "platform/posix/posix_serial.h"
 #include "platform/posix/posix_transport.h"
+#include "platform/posix/x_keys.h"
 
 namespace platform::posix {
 
@@ -26,7 +27,7 @@ class PosixPlatform {
     PosixFiles files;
     PosixSerialPorts serial_ports;
     PosixTransport sim_transport;
-    PosixKeys key_delivery;
+    XKeys key_delivery;
 };
 
 }  // namespace platform::posix
