@@ -1,7 +1,7 @@
 // The page alone, with a scripted program behind it: drawing, input, boxes, and what it shows when the program goes.
 import { equal, holds, until } from "./case_runner.mjs";
 import { openPage, sizes } from "./browser.mjs";
-import { everyKind, portPanel, runPanel, startPanel } from "./sample_panels.mjs";
+import { everyKind, ioPanel, portPanel, runPanel, startPanel } from "./sample_panels.mjs";
 import { address, control, ScriptedProgram } from "./scripted_program.mjs";
 
 async function open(browser, panels, size) {
@@ -188,6 +188,19 @@ async function minimised_panels_wait_in_the_task_bar({ page, program }) {
   await expectHeard(program, { type: "activate", panel: "SimCom" });
 }
 
+async function a_board_keeps_its_columns_and_is_silent_when_minimised({ page, program }) {
+  const box = (index) => page.locator(`[data-control="boxSwitchIndicator"][data-index="${index}"]`).boundingBox();
+  for (const size of Object.values(sizes)) {
+    await page.setViewportSize(size);
+    const [first, last, below] = [await box(0), await box(7), await box(8)];
+    equal([last.y, below.x], [first.y, first.x], `places in a window of ${size.width}`);
+    holds(below.y > first.y, "the second row below the first");
+  }
+  program.tell({ type: "windows", windows: [{ name: "frmStatusIOM", title: "IO module #1", state: "minimised", modal: false }] });
+  await page.locator('[data-task="frmStatusIOM"] [data-lamp="BoxRun"]').waitFor();
+  equal(await page.locator('[data-task="frmStatusIOM"] [data-lamp]').count(), 1, "lamps in the task bar");
+}
+
 async function before_a_modal_panel_the_others_rest({ page }) {
   holds(await control_of(page, "frmStatus", "cmdStop").evaluate((element) => element.closest("[inert]") !== null), "others rest");
   await control_of(page, "Sampler", "Text").fill("x");
@@ -280,11 +293,12 @@ const cases = [
   [a_lost_connection_is_shown_at_once_and_mends_itself, [runPanel()]],
   [a_program_that_falls_silent_is_shown_within_three_seconds, [runPanel()]],
   [minimised_panels_wait_in_the_task_bar, [runPanel(), portPanel()]],
+  [a_board_keeps_its_columns_and_is_silent_when_minimised, [ioPanel()]],
   [before_a_modal_panel_the_others_rest, [runPanel(), everyKind({ modal: true })]],
   [column_headings_stand_above_their_columns, [portPanel()]],
-  [nothing_spills_over_at_any_width, [startPanel(), portPanel(), everyKind(), runPanel()]],
-  [texts_stand_out_from_their_ground, [startPanel(), portPanel(), everyKind(), runPanel()]],
-  [every_field_has_a_name, [startPanel(), portPanel(), everyKind(), runPanel()]],
+  [nothing_spills_over_at_any_width, [startPanel(), portPanel(), everyKind(), ioPanel(), runPanel()]],
+  [texts_stand_out_from_their_ground, [startPanel(), portPanel(), everyKind(), ioPanel(), runPanel()]],
+  [every_field_has_a_name, [startPanel(), portPanel(), everyKind(), ioPanel(), runPanel()]],
 ];
 
 export async function runPageCases(runner, browser) {

@@ -1,5 +1,5 @@
 // Panels like the program's own, and one with every kind of control.
-import { column, control, frame, panel, row, tabs } from "./scripted_program.mjs";
+import { board, column, control, frame, panel, row, tabs } from "./scripted_program.mjs";
 
 const readout = (name, caption, text, more = {}) => control("text_box", name, { caption, text, editable: false, ...more });
 const button = (name, caption, more = {}) => control("command_button", name, { caption, ...more });
@@ -97,6 +97,36 @@ export function portPanel() {
       control("list_box", "OffsetsList", { caption: "Active Offsets", value: -1, items }),
       button("CmdClose", "Close"),
     ],
+  );
+}
+
+// Lamps and levels in boards.
+export function ioPanel(more = {}) {
+  const label = (number) => "ABCDEF"[Math.floor(number / 8)] + ((number % 8) + 1);
+  const all = (count, make) => Array.from({ length: count }, (_, index) => make(index));
+  const places = (name, count) => all(count, (index) => ({ kind: "control", control: name, index }));
+  const lamps = (name, count, on, off) => all(count, (index) =>
+    control("indicator", name, { index, text: label(index), toolTip: `${name} ${label(index)}`, colour: index % 5 === 0 ? on : off }));
+  return panel(
+    "frmStatusIOM",
+    "IO module #1",
+    column(
+      row("BoxRun", "boxNrOfUpdates", "cmdRun", "cmdStop", "cmdHide"),
+      frame("Switches", board(8, ...places("boxSwitchIndicator", 48))),
+      frame("LEDs", board(8, ...places("boxLedIndicator", 32))),
+      frame("Analogue inputs", board(4, ...places("SLiderAnalogue", 8))),
+    ),
+    [
+      control("indicator", "BoxRun", { text: "Running", colour: 255 }),
+      readout("boxNrOfUpdates", "Frames per second", "25"),
+      button("cmdRun", "Run", { enabled: false }),
+      button("cmdStop", "Stop"),
+      button("cmdHide", "Hide"),
+      ...lamps("boxSwitchIndicator", 48, 255, 65280),
+      ...lamps("boxLedIndicator", 32, 255, 0x808080),
+      ...all(8, (index) => control("slider", "SLiderAnalogue", { index, caption: `Input ${index + 1}`, value: index * 146, maximum: 1023, minimum: 0, enabled: false })),
+    ],
+    more,
   );
 }
 

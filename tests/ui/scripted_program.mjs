@@ -91,4 +91,5 @@ const node = (item) => (typeof item === "string" ? { kind: "control", control: i
 export const column = (...children) => ({ kind: "column", caption: "", children: children.map(node) });
 export const row = (...children) => ({ kind: "row", caption: "", children: children.map(node) });
 export const frame = (caption, ...children) => ({ kind: "frame", caption, children: children.map(node) });
+export const board = (columns, ...children) => ({ kind: "board", caption: "", columns, children });
 export const tabs = (...frames) => ({ kind: "tabs", caption: "", children: frames });

@@ -124,6 +124,11 @@ function useDragSender(send: (value: number) => void) {
   };
 }
 
+// How far a position is along its slider.
+function shareOf({ minimum = 0, maximum = 0 }: Control, position: number): string {
+  return maximum > minimum ? `${(100 * (position - minimum)) / (maximum - minimum)}%` : "0%";
+}
+
 function SliderView(props: ControlProps) {
   const { control, act } = props;
   const id = elementId(props);
@@ -142,6 +147,7 @@ function SliderView(props: ControlProps) {
           min={control.minimum}
           max={control.maximum}
           value={draft.value}
+          style={{ "--share": shareOf(control, draft.value) } as JSX.CSSProperties}
           onInput={(event) => {
             const value = Number(event.currentTarget.value);
             draft.edit(value);

@@ -8,6 +8,7 @@ import { PanelView } from "./panel_view";
 import type { PageMessage, WindowInfo } from "./protocol";
 import type { PageState, PanelState } from "./state";
 import "./page.css";
+import "./board.css";
 
 type Send = (message: PageMessage) => void;
 
@@ -26,9 +27,11 @@ function useSteadyOrder(windows: WindowInfo[]): WindowInfo[] {
   }, [windows]);
 }
 
-// What a minimised panel goes on telling: its indicators.
+// What a minimised panel goes on telling: its indicators, but for those of whole boards.
 function Lamps({ panel }: { panel?: PanelState }) {
-  const lamps = [...(panel?.controls.values() ?? [])].filter((control) => control.kind === "indicator" && control.visible);
+  const lamps = [...(panel?.controls.values() ?? [])].filter(
+    (control) => control.kind === "indicator" && control.visible && control.index === undefined,
+  );
   return (
     <span class="lamps">
       {lamps.map((lamp) => (
