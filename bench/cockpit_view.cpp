@@ -179,7 +179,23 @@ void CockpitView::write_instrument(const Place& place, const Identity& identity,
         }
         writer_.end_object();
     }
-    writer_.end_array().end_object();
+    writer_.end_array();
+    if (!print.switch_labels.empty()) {
+        writer_.name("board").begin_object();
+        write_labels("switches", print.switch_labels);
+        write_labels("leds", print.led_labels);
+        write_labels("pots", print.analogue_labels);
+        writer_.end_object();
+    }
+    writer_.end_object();
+}
+
+void CockpitView::write_labels(std::string_view name, const std::vector<std::string>& labels) {
+    writer_.name(name).begin_array();
+    for (const std::string& label : labels) {
+        writer_.value(label);
+    }
+    writer_.end_array();
 }
 
 bool CockpitView::write_values(Told& told) {

@@ -43,6 +43,7 @@ class CockpitView {
 
     void write_layout();
     void write_instrument(const Place& place, const Identity& identity, const FacePrint& print);
+    void write_labels(std::string_view name, const std::vector<std::string>& labels);
     // Write what differs from what was told and remember it; false when there was nothing to write.
     bool write_values(Told& told);
     bool write_line_values(Told& told);

@@ -5,6 +5,9 @@
 
 #include "bench/devices/device_families.h"
 #include "bench/devices/engine_cluster.h"
+#include "bench/devices/io_module.h"
+#include "bus/gauge_bus.h"
+#include "iomodule/iom_rows.h"
 
 namespace bench {
 
@@ -18,17 +21,40 @@ struct PortRole {
 };
 
 // Lines whose devices are not simulated yet; they take everything and say nothing.
-constexpr std::array<PortRole, 7> kSilentPorts = {{
+constexpr std::array<PortRole, 5> kSilentPorts = {{
     {&CoreTables::GaugeBusPort2, "Gauge bus 2"},
     {&CoreTables::GaugeBusPort3, "Gauge bus 3"},
     {&CoreTables::GaugeBusPort4, "Gauge bus 4"},
-    {&CoreTables::IomPort1, "IO module 1"},
-    {&CoreTables::IomPort2, "IO module 2"},
     {&CoreTables::YokePort1, "Yoke 1"},
     {&CoreTables::YokePort2, "Yoke 2"},
 }};
 
+struct ModuleRole {
+    std::int16_t CoreTables::*port;
+    const char* role;
+    int device_id;
+};
+constexpr std::array<ModuleRole, 2> kModules = {{
+    {&CoreTables::IomPort1, "IO module 1", bus::kIoModule1Id},
+    {&CoreTables::IomPort2, "IO module 2", bus::kIoModule2Id},
+}};
+
 }  // namespace
+
+void set_up_io_module(IoModule& module, const CoreTables& tables, int device_id) {
+    for (const tables::IomRow& row : tables.iom) {
+        if (row.IomDeviceId != device_id || row.IomSignalNumber < 0) {
+            continue;
+        }
+        if (row.IomSignalType == iomodule::kSignalLed && row.IomSignalNumber < iomodule::kLeds) {
+            module.set_masters(row.IomSignalNumber, row.IomKeyOnOff);
+        } else if ((row.IomSignalType == iomodule::kSignalSwitch ||
+                    row.IomSignalType == iomodule::kSignalSwitchOfOld) &&
+                   row.IomSignalNumber < iomodule::kSwitches) {
+            module.set_type(row.IomSignalNumber, row.IomValueC);
+        }
+    }
+}
 
 DeviceSet::DeviceSet(platform::EventLoop& loop, const CoreTables& tables, ReplyTiming timing) {
     if (tables.GaugeBusPort1 > 0) {
@@ -41,6 +67,14 @@ DeviceSet::DeviceSet(platform::EventLoop& loop, const CoreTables& tables, ReplyT
     if (tables.ClusterPort > 0 && line(tables.ClusterPort) == nullptr) {
         add_instrument(tables.ClusterPort, "Engine cluster", std::make_unique<EngineCluster>(loop, timing),
                        print_engine_cluster(tables));
+    }
+    for (const ModuleRole& place : kModules) {
+        const int port = tables.*place.port;
+        if (port > 0 && line(port) == nullptr) {
+            auto module = std::make_unique<IoModule>(loop, timing);
+            set_up_io_module(*module, tables, place.device_id);
+            add_instrument(port, place.role, std::move(module), print_io_module(tables, place.device_id, place.role));
+        }
     }
     for (const PortRole& place : kSilentPorts) {
         const int port = tables.*place.number;

@@ -12,6 +12,8 @@
 
 namespace bench {
 
+class IoModule;
+
 // One serial line with what hangs on it.
 struct BenchLine {
     int port = 0;
@@ -48,6 +50,9 @@ class DeviceSet {
     std::map<const void*, FacePrint> prints_;
     FacePrint blank_print_;
 };
+
+// Stores in a module what its configuration expects of it: the types of its switches and the masters of its LEDs.
+void set_up_io_module(IoModule& module, const tables::CoreTables& tables, int device_id);
 
 // A small cockpit for a folder without a configuration: port 1 with one gauge of each type 1 to 6, ids 1 to 6.
 void fill_standard_tables(tables::CoreTables& tables);

@@ -4,7 +4,11 @@
 
 #include "bench/devices/device_families.h"
 #include "cluster/cluster_telegram.h"
+#include "iomodule/io_module_telegram.h"
+#include "iomodule/iom_rows.h"
+#include "iomodule/switch_action.h"
 #include "run/engine_cluster_gauge.h"
+#include "simlink/keystrokes.h"
 
 namespace bench {
 
@@ -49,6 +53,19 @@ NeedlePrint print_needle(const CoreTables& tables, int function, int sequence, i
     return print;
 }
 
+// "<Ctrl+G>" for a key, the function's name for the rest.
+std::string label_of(const CoreTables& tables, const tables::IomRow& row) {
+    if (!iomodule::is_keystroke(row)) {
+        return iomodule::function_of(tables, row).FunctionShortName;
+    }
+    const auto code = static_cast<std::uint16_t>(row.IomKeyOffOn);
+    std::string label = "<";
+    label += (code & simlink::kKeyControl) != 0 ? "Ctrl+" : "";
+    label += (code & simlink::kKeyShift) != 0 ? "Shift+" : "";
+    label += simlink::key_name(static_cast<int>(code & simlink::kKeyMask));
+    return label + ">";
+}
+
 }  // namespace
 
 FacePrint print_face(const CoreTables& tables, const tables::GaugeRow& row) {
@@ -82,6 +99,27 @@ FacePrint print_engine_cluster(const CoreTables& tables) {
                 needle.display = display % cluster::kDisplays + 1;
                 ++display;
             }
+        }
+    }
+    return print;
+}
+
+FacePrint print_io_module(const CoreTables& tables, int device_id, const char* type_name) {
+    FacePrint print;
+    print.face = "io_module";
+    print.type_name = type_name;
+    print.switch_labels.resize(iomodule::kSwitches);
+    print.led_labels.resize(iomodule::kLeds);
+    print.analogue_labels.resize(iomodule::kAnalogueInputs);
+    for (const tables::IomRow& row : tables.iom) {
+        const bool is_led = row.IomSignalType == iomodule::kSignalLed;
+        const bool is_input = row.IomSignalType == iomodule::kSignalAnalogue;
+        std::vector<std::string>& labels = is_led     ? print.led_labels
+                                           : is_input ? print.analogue_labels
+                                                      : print.switch_labels;
+        const auto at = static_cast<std::size_t>(row.IomSignalNumber);
+        if (row.IomDeviceId == device_id && row.IomSignalNumber >= 0 && at < labels.size()) {
+            labels[at] = label_of(tables, row);
         }
     }
     return print;

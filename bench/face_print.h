@@ -27,6 +27,10 @@ struct FacePrint {
     const char* face = "";  // name of a face of the page
     std::string type_name;
     std::vector<NeedlePrint> needles;
+    // What an IO module's inputs and outputs are for, empty texts where they are free; empty on other instruments.
+    std::vector<std::string> switch_labels;
+    std::vector<std::string> led_labels;
+    std::vector<std::string> analogue_labels;
 };
 
 // The face of a gauge row: two needles, or what its family has.
@@ -34,5 +38,8 @@ FacePrint print_face(const tables::CoreTables& tables, const tables::GaugeRow& r
 
 // The face of the stand-alone engine cluster: needles 0..7 of engine 1, 8..15 of engine 2.
 FacePrint print_engine_cluster(const tables::CoreTables& tables);
+
+// The face of an IO module by its device id; `type_name` tells it from the other.
+FacePrint print_io_module(const tables::CoreTables& tables, int device_id, const char* type_name);
 
 }  // namespace bench

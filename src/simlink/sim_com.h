@@ -204,6 +204,7 @@ class SimCom : public panel::Panel {
     void append_read(std::uint32_t offset, std::uint32_t size, void* destination);
     void append_write(std::uint32_t offset, std::uint32_t size, const void* source);
     void append_port(SimPort& port);
+    void share_masked_byte(const SimPort& written);
 
     tables::CoreTables& tables_;
     IpcClient& client_;

@@ -115,6 +115,7 @@ void SimCom::PutPort(int PortNr, float& value) {
     port.WritePending = 1;
     if (!is_macro(function)) {
         steps.attempt([&] { store_in_slot(value, function, port); });
+        share_masked_byte(port);
     } else if (function.FunctionMask == kMacroKeystroke) {
         steps.attempt([&] { macro2_value_ = support::round_to_u8(value); });
         append_write(kOffsetMacro2, sizeof macro2_value_, &macro2_value_);
@@ -125,6 +126,23 @@ void SimCom::PutPort(int PortNr, float& value) {
         }
     } else if (function.FunctionMask == kMacroDimmer) {
         steps.attempt([&] { tables_.MacroValue = support::round_to_i16(value); });
+    }
+}
+
+// Several functions may each have a bit of one byte (the light switches). When some of them are put before the
+// simulator has given the byte again, each must build on the one before; otherwise the last one would undo the others.
+void SimCom::share_masked_byte(const SimPort& written) {
+    const tables::FunctionRow& function = function_of(written);
+    if (function.FunctionMask == 0 || function.FunctionDataType != tables::kByte) {
+        return;
+    }
+    const PortOffset at = offset_of(function, written.FxSeqnr);
+    for (SimPort& port : ports_) {
+        const tables::FunctionRow& other = function_of(port);
+        if (other.FunctionMask != 0 && other.FunctionDataType == tables::kByte && !is_macro(other) &&
+            offset_of(other, port.FxSeqnr).offset == at.offset) {
+            port.ByteValue = written.ByteValue;
+        }
     }
 }
 

@@ -23,7 +23,7 @@ class Set : public testing::Test {
         fill_standard_tables(tables);
         tables.gauges[17].GaugeType = 7;
         tables.gauges[17].GaugeModel = 3;
-        tables.IomPort1 = 4;
+        tables.GaugeBusPort2 = 4;
         tables.plates[0].PlateName = "0-100 \xB0";
     }
 
@@ -61,7 +61,7 @@ TEST_F(Set, survives_rows_that_point_nowhere) {
     tables.gauges[3].GaugeFunction2 = -5;
     tables.gauges[3].GaugePlate2 = -1;
     tables.plates[0].PlateValue[1] = 1e9;  // points
-    tables.GaugeBusPort2 = 1;              // the number of the first line again
+    tables.GaugeBusPort3 = 1;              // the number of the first line again
     const DeviceSet devices(loop, tables);
     const FacePrint& print = devices.print_of(*devices.line(1)->bus->device(3));
     EXPECT_EQ(print.needles[0].title, "");

@@ -10,7 +10,8 @@
 namespace bench {
 
 // What a device shows, by name, as texts: flags read "true" or "false".
-inline std::map<std::string, std::string> shown(const Device& device) {
+template <typename Instrument>
+std::map<std::string, std::string> shown(const Instrument& device) {
     struct Collector : StateSink {
         std::map<std::string, std::string> values;
         void number(std::string_view name, double value) override {

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "bench/device_set.h"
 #include "bench/devices/connect.h"
 #include "bench/devices/device_families.h"
 #include "bus/frames.h"
@@ -88,8 +89,8 @@ Rig::Rig(SimulatorAtStart at_start, Instruments instruments)
     if (at_start == SimulatorAtStart::absent) {
         machine.sim_transport.windows.clear();
     }
-    if (instruments == Instruments::needle_gauges) {
-        keep_needle_gauges();
+    if (instruments != Instruments::all) {
+        keep_needle_gauges(instruments);
     }
     build_bench();
 }
@@ -97,7 +98,7 @@ Rig::Rig(SimulatorAtStart at_start, Instruments instruments)
 Rig::~Rig() = default;
 
 // Takes everything else out of the configuration file.
-void Rig::keep_needle_gauges() {
+void Rig::keep_needle_gauges(Instruments kept) {
     auto tables = std::make_unique<tables::CoreTables>();
     tables::ConfigurationStore store(*tables, machine.files, machine.boxes, machine.wall_clock);
     tables->ProgramName = tables::kProgramName;
@@ -109,6 +110,9 @@ void Rig::keep_needle_gauges() {
         }
     }
     tables->ClusterPort = 0;
+    if (kept == Instruments::needle_gauges) {
+        tables->IomPort1 = tables->IomPort2 = 0;
+    }
     machine.files.contents[tables->ConfigFileName] = store.configuration_bytes();
 }
 
@@ -125,15 +129,23 @@ void Rig::build_bench() {
         gauge_wire().record = false;
         bench::connect(controller, gauge_wire());
     }
-    if (file_tables_.ClusterPort > 0) {
-        connect_cluster(file_tables_.ClusterPort);
-    }
+    hang(cluster, file_tables_.ClusterPort);
+    bench::set_up_io_module(module1, file_tables_, bus::kIoModule1Id);
+    bench::set_up_io_module(module2, file_tables_, bus::kIoModule2Id);
+    hang(module1, file_tables_.IomPort1);
+    hang(module2, file_tables_.IomPort2);
     machine.boxes.forget_shown();
 }
 
+void Rig::hang(bench::LineDevice& device, int port) {
+    if (port > 0) {
+        machine.serial_ports.wire(port).record = false;
+        bench::connect(device, machine.serial_ports.wire(port));
+    }
+}
+
 void Rig::connect_cluster(int port) {
-    machine.serial_ports.wire(port).record = false;
-    bench::connect(cluster, machine.serial_ports.wire(port));
+    hang(cluster, port);
 }
 
 platform::manual::Wire& Rig::gauge_wire() {

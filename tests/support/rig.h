@@ -9,6 +9,7 @@
 #include "app/cockpit.h"
 #include "bench/devices/bus_controller.h"
 #include "bench/devices/engine_cluster.h"
+#include "bench/devices/io_module.h"
 #include "bench/devices/needle_gauges.h"
 #include "platform/manual/manual_platform.h"
 #include "simhost/simulator.h"
@@ -21,7 +22,7 @@ enum class SimulatorAtStart { up, absent };
 
 // How much of the demo's cockpit stands on the lines. Its needle gauges alone are enough for most tests, and hours of
 // them cost seconds.
-enum class Instruments { needle_gauges, all };
+enum class Instruments { needle_gauges, needles_and_io_modules, all };
 
 // The real program on virtual time, with simulated devices on its serial lines and a simulator that answers its
 // request blocks, all in one process. It starts with the files of the demo folder; a test changes `machine` (files,
@@ -40,6 +41,9 @@ class Rig {
     bench::BusController controller{machine.loop};
     // The stand-alone engine cluster, on the wire of the configuration's ClusterPort where it has one.
     bench::EngineCluster cluster{machine.loop};
+    // The IO modules, on the wires of the configuration's ports where it has them.
+    bench::IoModule module1{machine.loop};
+    bench::IoModule module2{machine.loop};
     app::Cockpit cockpit{machine.platform()};
 
     // --- Going on ---------------------------------------------------------------------------------------------------
@@ -101,8 +105,9 @@ class Rig {
 
   private:
     panel::Control& control(const std::string& panel, const std::string& name);
-    void keep_needle_gauges();
+    void keep_needle_gauges(Instruments kept);
     void build_bench();
+    void hang(bench::LineDevice& device, int port);
     std::string device_story(int id);
 
     tables::CoreTables file_tables_;  // what the file says, read apart from the program
