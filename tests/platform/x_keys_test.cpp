@@ -75,6 +75,22 @@ TEST(XKeysTest, keys_reach_the_window_with_their_modifiers_around_them) {
     expect_typed(keys, window, {{"c", "+c -c"}});
 }
 
+TEST(XKeysTest, keys_that_the_user_holds_are_left_as_they_are) {
+    constexpr std::uint8_t kShiftKey = 50;
+    const XServer server;
+    TypedWindow window(server.display());
+    XKeys keys(server.display());
+    window.user_presses(kShiftKey);
+    ASSERT_EQ(window.held(), "S");
+    keys.send("^G");
+    EXPECT_EQ(window.typed(), "+Control:S +G:CS -G:CS -Control:CS");
+    keys.send("+G");
+    EXPECT_EQ(window.typed(), "+G:S -G:S") << "the window knows that Shift is down";
+    EXPECT_EQ(window.held(), "S");
+    window.user_releases(kShiftKey);
+    expect_typed(keys, window, {{"g", "+g -g"}});
+}
+
 TEST(XKeysTest, a_changed_keyboard_layout_is_followed) {
     XServer server;
     TypedWindow window(server.display());
@@ -92,6 +108,7 @@ TEST(XKeysTest, a_changed_keyboard_layout_is_followed) {
     server.set_keyboard({"-layout", "us,de", "-option", "grp:menu_toggle"});
     expect_typed(keys, window, {{"Z", "+z -z"}, {"/", "+/ -/"}});
     window.user_presses(135);
+    window.user_releases(135);
     expect_typed(keys, window, {{"Z", "+z -z"}, {"/", "+Shift +/:S -/:S -Shift:S"}});
 }
 

@@ -27,6 +27,14 @@ using platform::posix::Descriptor;
 
 constexpr int kPatience_ms = 10'000;
 constexpr int kReportDescriptor = 3;
+// Each process has a display number of its own, so that nobody else takes it while the server is down.
+constexpr int kFirstDisplay = 20'000;
+constexpr int kDisplays = 30'000;
+// The device of Xvfb that stands for the keyboard on the desk; faked keys have another one. The actions count from the
+// first event of the input extension.
+constexpr std::uint8_t kUserKeyboard = 7;
+constexpr int kDeviceKeyPress = 1;
+constexpr int kDeviceKeyRelease = 2;
 constexpr const char* kAltGrName = "AltGr";
 
 struct Free {
@@ -79,7 +87,8 @@ std::string modifier_names(unsigned state) {
 
 }  // namespace
 
-XServer::XServer(const std::vector<std::string>& arguments) {
+XServer::XServer(const std::vector<std::string>& arguments)
+    : display_(":" + std::to_string(kFirstDisplay + ::getpid() % kDisplays)) {
     start(arguments);
 }
 
@@ -97,21 +106,17 @@ void XServer::start(const std::vector<std::string>& arguments) {
     Descriptor reader(ends[0]);
     Descriptor writer(::fcntl(ends[1], F_DUPFD_CLOEXEC, 10));  // away from the child's descriptor
     ::close(ends[1]);
-    std::vector<std::string> words{"Xvfb",     "-displayfd", std::to_string(kReportDescriptor),
-                                   "-noreset", "-nolisten",  "tcp"};
+    std::vector<std::string> words{"Xvfb",     display_,    "-displayfd", std::to_string(kReportDescriptor),
+                                   "-noreset", "-nolisten", "tcp"};
     words.insert(words.end(), arguments.begin(), arguments.end());
     process_ = spawn(words, writer.get());
     writer.reset();
-    // The number and a line break, when the server is ready.
-    std::string number;
+    // It reports its number and a line break when it is ready.
     for (char byte = 0; byte != '\n';) {
         if (!readable(reader.get()) || ::read(reader.get(), &byte, 1) != 1) {
             throw std::runtime_error("Xvfb has not started; scripts/install_needed test installs what it needs");
         }
-        number += byte;
     }
-    number.pop_back();
-    display_ = ":" + number;
 }
 
 void XServer::crash() {
@@ -120,7 +125,7 @@ void XServer::crash() {
 }
 
 void XServer::start_again() {
-    start({display_});
+    start({});
 }
 
 void XServer::freeze() {
@@ -208,10 +213,35 @@ std::string TypedWindow::held() {
 }
 
 void TypedWindow::user_presses(std::uint8_t keycode) {
-    xcb_test_fake_input(connection_, XCB_KEY_PRESS, keycode, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-    xcb_test_fake_input(connection_, XCB_KEY_RELEASE, keycode, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    fake_user_key(kDeviceKeyPress, keycode);
+}
+
+void TypedWindow::user_releases(std::uint8_t keycode) {
+    fake_user_key(kDeviceKeyRelease, keycode);
+}
+
+void TypedWindow::fake_user_key(int action, std::uint8_t keycode) {
+    const std::string name = "XInputExtension";
+    const ReplyPointer<xcb_query_extension_reply_t> input(xcb_query_extension_reply(
+        connection_, xcb_query_extension(connection_, static_cast<std::uint16_t>(name.size()), name.data()), nullptr));
+    if (!input || input->present == 0) {
+        throw std::runtime_error("the server has no devices");
+    }
+    xcb_test_fake_input(connection_, static_cast<std::uint8_t>(input->first_event + action), keycode, XCB_CURRENT_TIME,
+                        XCB_NONE, 0, 0, kUserKeyboard);
     xcb_flush(connection_);
-    typed();
+    for (;;) {
+        const ReplyPointer<xcb_generic_event_t> event(xcb_poll_for_event(connection_));
+        if (event && event->response_type == 0) {
+            throw std::runtime_error("the server refuses the user's key");
+        }
+        if (event && (event->response_type & 0x7F) == (action == kDeviceKeyPress ? XCB_KEY_PRESS : XCB_KEY_RELEASE)) {
+            return;
+        }
+        if (!event && !readable(xcb_get_file_descriptor(connection_))) {
+            throw std::runtime_error("the user's key has not come");
+        }
+    }
 }
 
 std::string TypedWindow::symbol_name(std::uint8_t keycode, unsigned state, unsigned first_column) {

@@ -10,10 +10,11 @@ struct xcb_connection_t;
 
 namespace test_support {
 
-// An X server without a screen, of the test's own. Its failures are thrown as std::runtime_error.
+// An X server without a screen, of the test's own; one at a time in a process. Its failures are thrown as
+// std::runtime_error.
 class XServer {
   public:
-    // On a free display, with further arguments of the server.
+    // With further arguments of the server.
     explicit XServer(const std::vector<std::string>& arguments = {});
     XServer(const XServer&) = delete;
     XServer& operator=(const XServer&) = delete;
@@ -52,10 +53,12 @@ class TypedWindow {
     std::string typed();
     // The modifiers that are down.
     std::string held();
-    // A key as if pressed and released by the user, unseen.
+    // The user's own keyboard; the window takes notice of the keys, typed() does not tell them.
     void user_presses(std::uint8_t keycode);
+    void user_releases(std::uint8_t keycode);
 
   private:
+    void fake_user_key(int action, std::uint8_t keycode);
     std::string symbol_name(std::uint8_t keycode, unsigned state, unsigned first_column);
 
     xcb_connection_t* connection_;

@@ -29,9 +29,10 @@ constexpr const char* kNoAnswer = "The desktop does not answer";
 constexpr const char* kNoTestExtension =
     "The desktop does not let programs press keys (its X server lacks the extension XTEST)";
 
-// The state of pointer and keyboard holds the layout in use in these two bits.
+// The state of pointer and keyboard holds the modifiers in its low byte, the layout in use in two further bits.
 constexpr unsigned kLayoutShift = 13;
 constexpr unsigned kLayoutMask = 3;
+constexpr unsigned kModifierMask = 0xFF;
 constexpr unsigned kEventTypeMask = 0x7F;  // without the mark of events that other clients have sent
 
 // Rows of the modifier mapping.
@@ -61,17 +62,17 @@ bool readable_before(int descriptor, steady_clock::time_point deadline) {
     }
 }
 
-// A keycode of a row of the modifier mapping; with a symbol only one that bears it. 0 = none.
-std::uint8_t modifier_key(const XKeyboard& keyboard, const xcb_get_modifier_mapping_reply_t& reply, std::size_t row,
-                          std::uint32_t symbol = 0) {
+// A key of a row of the modifier mapping; with a symbol only one that bears it.
+XKeyboard::Modifier modifier_of(const XKeyboard& keyboard, const xcb_get_modifier_mapping_reply_t& reply,
+                                std::size_t row, std::uint32_t symbol = 0) {
     const xcb_keycode_t* const keys = xcb_get_modifier_mapping_keycodes(&reply);
     const std::size_t width = reply.keycodes_per_modifier;
     for (std::size_t at = row * width; at < (row + 1) * width; ++at) {
         if (keys[at] != 0 && (symbol == 0 || keyboard.symbol(keys[at], 0) == symbol)) {
-            return keys[at];
+            return {keys[at], 1U << row};
         }
     }
-    return 0;
+    return {};
 }
 
 const char* name_or_session(const std::string& display) {
@@ -131,7 +132,7 @@ Delivery XConnection::press(const KeyChord& chord) {
         return Delivery::connection_broken;
     }
     check_owed_reply();
-    // 2. The layout in use; with it the server shows that it is alive.
+    // 2. The layout in use and what the user holds; with it the server shows that it is alive.
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
     const ReplyPointer<xcb_query_pointer_reply_t> state(
         static_cast<xcb_query_pointer_reply_t*>(wait_for(xcb_query_pointer(connection_, root).sequence)));
@@ -144,8 +145,8 @@ Delivery XConnection::press(const KeyChord& chord) {
         return Delivery::connection_broken;
     }
     // 4. The keys.
-    const auto keys =
-        keys_to_press(chord, keyboard_, (static_cast<unsigned>(state->mask) >> kLayoutShift) & kLayoutMask);
+    const unsigned mask = state->mask;
+    const auto keys = keys_to_press(chord, keyboard_, {(mask >> kLayoutShift) & kLayoutMask, mask & kModifierMask});
     for (auto key = keys.begin(); key != keys.end(); ++key) {
         xcb_test_fake_input(connection_, XCB_KEY_PRESS, *key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
     }
@@ -183,10 +184,10 @@ void XConnection::read_keyboard() {
     keyboard.columns = mapping->keysyms_per_keycode;
     const xcb_keysym_t* const symbols = xcb_get_keyboard_mapping_keysyms(mapping.get());
     keyboard.symbols.assign(symbols, symbols + xcb_get_keyboard_mapping_keysyms_length(mapping.get()));
-    keyboard.shift_key = modifier_key(keyboard, *modifiers, kShiftRow);
-    keyboard.control_key = modifier_key(keyboard, *modifiers, kControlRow);
-    for (std::size_t row = kFirstFreeRow; row < kModifierRows && keyboard.third_level_key == 0; ++row) {
-        keyboard.third_level_key = modifier_key(keyboard, *modifiers, row, kSymbolThirdLevel);
+    keyboard.shift = modifier_of(keyboard, *modifiers, kShiftRow);
+    keyboard.control = modifier_of(keyboard, *modifiers, kControlRow);
+    for (std::size_t row = kFirstFreeRow; row < kModifierRows && keyboard.third_level.keycode == 0; ++row) {
+        keyboard.third_level = modifier_of(keyboard, *modifiers, row, kSymbolThirdLevel);
     }
     keyboard_ = std::move(keyboard);
     keyboard_is_stale_ = false;

@@ -88,11 +88,15 @@ std::string name_of(char character) {
     return "with the code " + std::to_string(code);
 }
 
-void hold(std::vector<std::uint8_t>& keys, std::uint8_t keycode, const char* name) {
-    if (keycode == 0) {
+// Adds the key of a modifier unless it is down.
+void hold(std::vector<std::uint8_t>& keys, const XKeyboard::Modifier& modifier, KeyboardState state, const char* name) {
+    if ((state.modifiers & modifier.mask) != 0) {
+        return;
+    }
+    if (modifier.keycode == 0) {
         throw support::Failure(std::string("The keyboard layout has no key ") + name);
     }
-    keys.push_back(keycode);
+    keys.push_back(modifier.keycode);
 }
 
 }  // namespace
@@ -113,22 +117,22 @@ std::uint32_t XKeyboard::symbol(std::uint8_t keycode, std::size_t column) const 
     return symbols[row + column];
 }
 
-std::vector<std::uint8_t> keys_to_press(const KeyChord& chord, const XKeyboard& keyboard, unsigned layout) {
+std::vector<std::uint8_t> keys_to_press(const KeyChord& chord, const XKeyboard& keyboard, KeyboardState state) {
     const std::uint32_t symbol = symbol_of(chord.character);
-    const std::optional<Place> place = symbol == 0 ? std::nullopt : find(keyboard, symbol, layout);
+    const std::optional<Place> place = symbol == 0 ? std::nullopt : find(keyboard, symbol, state.layout);
     if (!place) {
         throw support::Failure("The keyboard layout has no key for the character " + name_of(chord.character));
     }
     const bool level_shift = !is_letter(symbol) && place->level % 2 == 1;
     std::vector<std::uint8_t> keys;
     if (chord.control) {
-        hold(keys, keyboard.control_key, "Ctrl");
+        hold(keys, keyboard.control, state, "Ctrl");
     }
     if (chord.shift || level_shift) {
-        hold(keys, keyboard.shift_key, "Shift");
+        hold(keys, keyboard.shift, state, "Shift");
     }
     if (place->level >= 2) {
-        hold(keys, keyboard.third_level_key, "AltGr");
+        hold(keys, keyboard.third_level, state, "AltGr");
     }
     keys.push_back(place->keycode);
     return keys;

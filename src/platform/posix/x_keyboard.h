@@ -16,10 +16,14 @@ struct XKeyboard {
     std::uint8_t first_keycode = 8;
     std::size_t columns = 0;
     std::vector<std::uint32_t> symbols;  // of all keys, a row of columns each; 0 = none
-    // Keycodes of the keys to hold; 0 = the keyboard has none.
-    std::uint8_t control_key = 0;
-    std::uint8_t shift_key = 0;
-    std::uint8_t third_level_key = 0;
+    // Keys to hold.
+    struct Modifier {
+        std::uint8_t keycode = 0;  // 0 = the keyboard has none
+        unsigned mask = 0;         // its bit in KeyboardState::modifiers
+    };
+    Modifier control;
+    Modifier shift;
+    Modifier third_level;
 
     // The symbol in a column of a key; 0 = none.
     std::uint32_t symbol(std::uint8_t keycode, std::size_t column) const;
@@ -27,14 +31,20 @@ struct XKeyboard {
 
 inline constexpr std::uint32_t kSymbolThirdLevel = 0xFE03;  // the AltGr key
 
-// The keycodes to press for a keystroke, in that order; they are released in reverse. `layout` counts the layouts of
-// the keyboard from 0; the one in use.
+// How the keyboard stands at present.
+struct KeyboardState {
+    unsigned layout = 0;     // the one in use of the keyboard's layouts, from 0
+    unsigned modifiers = 0;  // the masks of those that are down
+};
+
+// The keycodes to press for a keystroke, in that order; they are released in reverse. Modifiers that are down already
+// are not among them, so that they stay as they are.
 //
 // A letter is its key: it goes with the told modifiers only, whether it is written as a capital or not, and its key is
 // found on the other layout too when the one in use has another alphabet. Any other character is the key that bears it,
 // with the told modifiers and those that the character needs. The characters of the keys BackSpace, Tab, Return and Esc
 // (8, 9, 13, 27) are these keys. Throws a Failure for a character or a modifier that the keyboard has no key for: a
 // character that must be composed of two keystrokes is none.
-std::vector<std::uint8_t> keys_to_press(const KeyChord& chord, const XKeyboard& keyboard, unsigned layout);
+std::vector<std::uint8_t> keys_to_press(const KeyChord& chord, const XKeyboard& keyboard, KeyboardState state);
 
 }  // namespace platform::posix
