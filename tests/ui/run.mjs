@@ -7,6 +7,7 @@ import { runFlightCases } from "./flight_cases.mjs";
 import { runInstrumentCases } from "./instrument_cases.mjs";
 import { runIoCases } from "./io_cases.mjs";
 import { runPageCases } from "./page_cases.mjs";
+import { runSwitchboardCases } from "./switchboard_cases.mjs";
 
 const folder = process.argv[2] ?? "out";
 const runner = new CaseRunner("build.d/pictures");
@@ -18,6 +19,7 @@ try {
   await runFlightCases(runner, browser, folder);
   await runBenchCases(runner, browser, folder);
   await runClusterCases(runner, browser, folder);
+  await runSwitchboardCases(runner, browser, folder);
 } finally {
   await browser.close();
 }

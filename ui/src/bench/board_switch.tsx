@@ -8,7 +8,7 @@ import { Legend, spoken, SwitchLamp } from "./board_print";
 import { Knob, turn, type Bench } from "./controls";
 import { memo } from "./memo";
 
-const SHORTEST_PUSH_MS = 60; // a finger is no faster, and the module's debouncing is to see it
+const SHORTEST_MOVE_MS = 60; // a finger is no faster, and the module's debouncing is to see it
 
 interface ContactProps {
   bench: Bench;
@@ -34,23 +34,27 @@ function Lever({ bench, number, label, closed }: ContactProps): JSX.Element {
   );
 }
 
+/** Moves a contact as a hand does: every move lasts a while, and none is lost when they come faster. */
+function useContact(move: (closed: boolean) => void): (closed: boolean) => void {
+  const hand = useRef({ wanted: false, waiting: [] as boolean[], timer: 0 }).current;
+  const next = () => {
+    const closed = hand.waiting.shift();
+    hand.timer = closed === undefined ? 0 : window.setTimeout(next, SHORTEST_MOVE_MS);
+    if (closed !== undefined) move(closed);
+  };
+  return (closed) => {
+    if (closed === hand.wanted) return;
+    hand.wanted = closed;
+    hand.waiting.push(closed);
+    if (hand.timer === 0) next();
+  };
+}
+
 /** A button whose contact is closed while it is held down, by finger or key. */
 function Push({ bench, number, label, closed, on }: ContactProps & { on: boolean }): JSX.Element {
-  const pushedAt = useRef<number | null>(null);
-  const letGo = useRef(0);
-  const open = () => turn(bench, `switch${number}`, 0);
-  const press = () => {
-    if (pushedAt.current !== null) return;
-    window.clearTimeout(letGo.current);
-    pushedAt.current = performance.now();
-    turn(bench, `switch${number}`, 1);
-  };
-  const release = () => {
-    if (pushedAt.current === null) return;
-    const held = performance.now() - pushedAt.current;
-    pushedAt.current = null;
-    letGo.current = window.setTimeout(open, Math.max(0, SHORTEST_PUSH_MS - held));
-  };
+  const contact = useContact((wanted) => turn(bench, `switch${number}`, wanted ? 1 : 0));
+  const press = () => contact(true);
+  const release = () => contact(false);
   const isPushKey = (event: KeyboardEvent) => event.key === " " || event.key === "Enter";
   return (
     <button
