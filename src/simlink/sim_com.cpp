@@ -195,9 +195,10 @@ void SimCom::append_port(SimPort& port) {
             append_write(at.offset, bytes.size, bytes.slot);
         }
         port.WritePending = 0;
-    } else if (port.ReadEnabled != 0 && transferred) {
+    } else if (port.ReadEnabled != 0 && transferred && port.ByteShared == 0) {
         append_read(at.offset, bytes.size, bytes.slot);
     }
+    port.ByteShared = 0;
 }
 
 void SimCom::append_read(std::uint32_t offset, std::uint32_t size, void* destination) {

@@ -142,6 +142,7 @@ void SimCom::share_masked_byte(const SimPort& written) {
         if (other.FunctionMask != 0 && other.FunctionDataType == tables::kByte && !is_macro(other) &&
             offset_of(other, port.FxSeqnr).offset == at.offset) {
             port.ByteValue = written.ByteValue;
+            port.ByteShared = 1;
         }
     }
 }

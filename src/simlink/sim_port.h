@@ -15,6 +15,9 @@ struct SimPort {
     std::uint8_t FxSeqnr = 0;  // which of the function's four offsets; 0 counts as 1
     std::uint8_t ReadEnabled = 0;
     std::uint8_t WritePending = 0;
+    // Another port has put a bit of this port's byte, which the slot holds already: the coming cycle would still read
+    // the byte of before where this port's record stands in front of that write.
+    std::uint8_t ByteShared = 0;
 
     // Raw slots, one for each width.
     std::uint8_t ByteValue = 0;

@@ -320,4 +320,31 @@ TEST_F(SimComTest, without_a_link_values_stay_and_nothing_fails) {
     EXPECT_EQ(machine_.sim_transport.held_views, 0);
 }
 
+TEST_F(SimComTest, bits_of_one_byte_that_are_put_in_two_cycles_do_not_undo_each_other) {
+    constexpr std::int32_t kOffset = 0xD0C;
+    for (const int number : {1, 2, 3}) {
+        function(number, tables::kByte, kOffset, static_cast<std::int16_t>(1 << number));
+    }
+    const std::int16_t first = reading_port(1);
+    const std::int16_t second = reading_port(2);
+    const std::int16_t third = reading_port(3);
+    cycle();
+    cycle();
+    // The first port's record stands in front of the second one's write, so it would be given the byte of before.
+    put(second, 1);
+    cycle();
+    put(first, 1);
+    put(third, 1);
+    cycle();
+    EXPECT_EQ(simulator_.read_u8(kOffset), 2 + 4 + 8);
+    put(third, 0);
+    cycle();
+    EXPECT_EQ(value_of(first), 2 + 4);
+    simulator_.write_u8(kOffset, 1);  // the simulator's own bit is seen again
+    cycle();
+    put(first, 1);
+    cycle();
+    EXPECT_EQ(simulator_.read_u8(kOffset), 1 + 2);
+}
+
 }  // namespace
