@@ -6,6 +6,7 @@
 #include "bench/devices/device_families.h"
 #include "bench/devices/engine_cluster.h"
 #include "bench/devices/io_module.h"
+#include "bench/devices/yoke.h"
 #include "bus/gauge_bus.h"
 #include "iomodule/iom_rows.h"
 
@@ -21,12 +22,10 @@ struct PortRole {
 };
 
 // Lines whose devices are not simulated yet; they take everything and say nothing.
-constexpr std::array<PortRole, 5> kSilentPorts = {{
+constexpr std::array<PortRole, 3> kSilentPorts = {{
     {&CoreTables::GaugeBusPort2, "Gauge bus 2"},
     {&CoreTables::GaugeBusPort3, "Gauge bus 3"},
     {&CoreTables::GaugeBusPort4, "Gauge bus 4"},
-    {&CoreTables::YokePort1, "Yoke 1"},
-    {&CoreTables::YokePort2, "Yoke 2"},
 }};
 
 struct ModuleRole {
@@ -38,6 +37,8 @@ constexpr std::array<ModuleRole, 2> kModules = {{
     {&CoreTables::IomPort1, "IO module 1", bus::kIoModule1Id},
     {&CoreTables::IomPort2, "IO module 2", bus::kIoModule2Id},
 }};
+
+constexpr std::array<PortRole, 2> kYokes = {{{&CoreTables::YokePort1, "Yoke 1"}, {&CoreTables::YokePort2, "Yoke 2"}}};
 
 }  // namespace
 
@@ -74,6 +75,12 @@ DeviceSet::DeviceSet(platform::EventLoop& loop, const CoreTables& tables, ReplyT
             auto module = std::make_unique<IoModule>(loop, timing);
             set_up_io_module(*module, tables, place.device_id);
             add_instrument(port, place.role, std::move(module), print_io_module(tables, place.device_id, place.role));
+        }
+    }
+    for (const PortRole& place : kYokes) {
+        const int port = tables.*place.number;
+        if (port > 0 && line(port) == nullptr) {
+            add_instrument(port, place.role, std::make_unique<Yoke>(loop, timing), print_yoke(place.role));
         }
     }
     for (const PortRole& place : kSilentPorts) {

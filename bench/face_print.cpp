@@ -53,10 +53,12 @@ NeedlePrint print_needle(const CoreTables& tables, int function, int sequence, i
     return print;
 }
 
-// "<Ctrl+G>" for a key, the function's name for the rest.
+// "<Ctrl+G>" for a key, the function's name for the rest, with the number of its offset where it has several.
 std::string label_of(const CoreTables& tables, const tables::IomRow& row) {
     if (!iomodule::is_keystroke(row)) {
-        return iomodule::function_of(tables, row).FunctionShortName;
+        const tables::FunctionRow& function = iomodule::function_of(tables, row);
+        const bool several = function.FunctionOffset2 != 0 && function.FunctionOffset2 != function.FunctionOffset1;
+        return function.FunctionShortName + (several ? " " + std::to_string(row.IomSeqNr) : "");
     }
     const auto code = static_cast<std::uint16_t>(row.IomKeyOffOn);
     std::string label = "<";
@@ -101,6 +103,13 @@ FacePrint print_engine_cluster(const CoreTables& tables) {
             }
         }
     }
+    return print;
+}
+
+FacePrint print_yoke(const char* type_name) {
+    FacePrint print;
+    print.face = "yoke";
+    print.type_name = type_name;
     return print;
 }
 

@@ -39,6 +39,9 @@ FacePrint print_face(const tables::CoreTables& tables, const tables::GaugeRow& r
 // The face of the stand-alone engine cluster: needles 0..7 of engine 1, 8..15 of engine 2.
 FacePrint print_engine_cluster(const tables::CoreTables& tables);
 
+// The face of a yoke; `type_name` tells it from the other.
+FacePrint print_yoke(const char* type_name);
+
 // The face of an IO module by its device id; `type_name` tells it from the other.
 FacePrint print_io_module(const tables::CoreTables& tables, int device_id, const char* type_name);
 

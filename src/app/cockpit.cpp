@@ -9,11 +9,10 @@ struct LaterPanel {
     const char* name;
     const char* title;
 };
-constexpr std::array<LaterPanel, 4> kLaterPanels = {{
+constexpr std::array<LaterPanel, 3> kLaterPanels = {{
     {"FrmMainConfigure", "Configuration"},
     {"SaveConfig", "Save configuration"},
     {"frmTestFunction", "Test a function"},
-    {"frmStatusFFB", "Force feedback yokes"},
 }};
 
 }  // namespace
@@ -29,6 +28,10 @@ Cockpit::Cockpit(const platform::Platform& platform)
       cluster_panel_({platform_, tables_, sim_com_, ports_, panels_, run_panel_.context().cluster}),
       io_module1_({platform_, tables_, sim_com_, gauge_bus_, ports_, panels_}),
       io_module2_({platform_, tables_, sim_com_, gauge_bus_, ports_, panels_}),
+      yoke1_({platform_, tables_, sim_com_, ports_, panels_, run_panel_}, yoke_roles_),
+      yoke2_({platform_, tables_, sim_com_, ports_, panels_, run_panel_}, yoke_roles_),
+      yokes_panel_({platform_, tables_, sim_com_, ports_, panels_, run_panel_}, yoke_roles_, yoke1_, yoke2_),
+      force_curve_(platform_, tables_, panels_),
       start_panel_({platform_, tables_, configuration_, client_, *this, panels_}) {
     panels_.add(start_panel_);
     panels_.add(run_panel_);
@@ -36,9 +39,14 @@ Cockpit::Cockpit(const platform::Platform& platform)
     panels_.add(cluster_panel_);
     panels_.add(io_module1_);
     panels_.add(io_module2_);
+    panels_.add(yoke1_);
+    panels_.add(yoke2_);
+    panels_.add(yokes_panel_);
+    panels_.add(force_curve_);
     run_panel_.set_participant(run::ParticipantPlace::cluster, &cluster_panel_);
     run_panel_.set_participant(run::ParticipantPlace::iom1, &io_module1_);
     run_panel_.set_participant(run::ParticipantPlace::iom2, &io_module2_);
+    run_panel_.set_participant(run::ParticipantPlace::yokes, &yokes_panel_);
     for (const LaterPanel& later : kLaterPanels) {
         placeholders_.push_back(std::make_unique<panel::PlaceholderPanel>(panels_, later.name, later.title));
         panels_.add(*placeholders_.back());

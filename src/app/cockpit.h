@@ -19,6 +19,8 @@
 #include "simlink/sim_com.h"
 #include "tables/configuration_store.h"
 #include "tables/core_tables.h"
+#include "yoke/frm_force_curve.h"
+#include "yoke/frm_status_ffb.h"
 
 namespace app {
 
@@ -49,6 +51,10 @@ class Cockpit final : private simlink::RunStarter {
     cluster::frmStatusEC& cluster_panel() { return cluster_panel_; }
     iomodule::frmStatusIOM& io_module1() { return io_module1_; }
     iomodule::frmStatusIOM& io_module2() { return io_module2_; }
+    yoke::frmStatusFFB& yokes_panel() { return yokes_panel_; }
+    yoke::frmConfigYoke& yoke1() { return yoke1_; }
+    yoke::frmConfigYoke& yoke2() { return yoke2_; }
+    yoke::frmForceCurve& force_curve() { return force_curve_; }
     simlink::frmMain& start_panel() { return start_panel_; }
 
   private:
@@ -72,6 +78,11 @@ class Cockpit final : private simlink::RunStarter {
     cluster::frmStatusEC cluster_panel_;
     iomodule::frmStatusIOM io_module1_;
     iomodule::frmstatusIOM2 io_module2_;
+    yoke::YokeRoles yoke_roles_;
+    yoke::frmConfigY1 yoke1_;
+    yoke::frmConfigY2 yoke2_;
+    yoke::frmStatusFFB yokes_panel_;
+    yoke::frmForceCurve force_curve_;
     simlink::frmMain start_panel_;
     std::vector<std::unique_ptr<panel::PlaceholderPanel>> placeholders_;
 };

@@ -226,12 +226,17 @@ class Indicator : public Control {
         : Control(panel, ControlKind::indicator, std::move(name), label, index) {}
 };
 
+inline constexpr std::size_t kLongestPictureInput = 64;
+
 // A drawing that the page knows by the name of its widget ("needle_scale"); `text` carries the data it draws.
 class Picture : public Control {
   public:
     Picture(Panel& panel, std::string name, std::string widget, int index = -1)
         : Control(panel, ControlKind::picture, std::move(name), {}, index), widget_(std::move(widget)) {}
     const std::string& widget() const { return widget_; }
+
+    // What a user did on the drawing, as its widget tells it; for on_change. At most kLongestPictureInput bytes.
+    std::string input;
 
   private:
     std::string widget_;

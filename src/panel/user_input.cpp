@@ -40,14 +40,23 @@ bool type_text(TextBox& box, const UserAction& action) {
     return true;
 }
 
+bool draw_on(Picture& picture, const UserAction& action) {
+    if (!picture.on_change || action.text.size() > kLongestPictureInput) {
+        return false;
+    }
+    picture.input = action.text;
+    return true;
+}
+
 // Writes the control's new state. False when the action does not fit the control.
 bool write_state(Control& control, const UserAction& action) {
     const bool clicked = action.event == UserEvent::click;
     const bool changed = action.event == UserEvent::change;
     switch (control.kind()) {
         case ControlKind::command_button:
-        case ControlKind::picture:
             return clicked;
+        case ControlKind::picture:
+            return clicked || (changed && draw_on(static_cast<Picture&>(control), action));
         case ControlKind::check_box:
             if (clicked && (action.value == 0 || action.value == 1)) {
                 control.value = action.value;

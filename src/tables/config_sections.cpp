@@ -125,13 +125,13 @@ void cluster_items(Row& row, Each&& each) {
 template <typename Common, typename Each>
 void yoke_common_items(Common& common, Each&& each) {
     each(common.AutoSwitchForce);
-    each(common.AutoSwitchOverruleTime);
-    each(common.AutoSwitch);
-    each(common.MasterAtStartup);
-    each(common.MasterToSlaveY1);
-    each(common.SlaveToMasterY1);
-    each(common.MasterToSlaveY2);
-    each(common.SlaveToMasterY2);
+    each(common.AutoSwitchTime);
+    each(common.AutoSwitchEnabled);
+    each(common.Yoke2MasterAtStartup);
+    each(common.ModeMasterToSlaveY1);
+    each(common.ModeSlaveToMasterY1);
+    each(common.ModeMasterToSlaveY2);
+    each(common.ModeSlaveToMasterY2);
     for (std::size_t point = 0; point < common.AileronForceCurve.size(); ++point) {
         each(common.AileronForceCurve[point].airspeed);
         each(common.AileronForceCurve[point].force);

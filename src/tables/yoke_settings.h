@@ -16,13 +16,13 @@ using ForceCurve = std::array<ForceCurvePoint, 13>;
 // Settings that both yokes share (section "GeneralFFB").
 struct YokeCommonSettings {
     std::int16_t AutoSwitchForce = 0;
-    std::int16_t AutoSwitchOverruleTime = 0;
-    std::uint8_t AutoSwitch = 0;
-    std::uint8_t MasterAtStartup = 0;
-    std::uint8_t MasterToSlaveY1 = 0;
-    std::uint8_t SlaveToMasterY1 = 0;
-    std::uint8_t MasterToSlaveY2 = 0;
-    std::uint8_t SlaveToMasterY2 = 0;
+    std::int16_t AutoSwitchTime = 0;
+    std::uint8_t AutoSwitchEnabled = 0;
+    std::uint8_t Yoke2MasterAtStartup = 0;
+    std::uint8_t ModeMasterToSlaveY1 = 0;
+    std::uint8_t ModeSlaveToMasterY1 = 0;
+    std::uint8_t ModeMasterToSlaveY2 = 0;
+    std::uint8_t ModeSlaveToMasterY2 = 0;
     ForceCurve AileronForceCurve{};
     ForceCurve ElevatorForceCurve{};
 };

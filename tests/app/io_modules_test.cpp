@@ -57,12 +57,12 @@ TEST_F(IoModules, hands_on_the_boards_move_the_aircraft) {
     press(rig.module1, "B1");
     EXPECT_EQ(value(116), 0);
 
-    const double heading = value(122);
     const double altitude = value(120);
-    rig.module1.turn_encoder(signal("C1"), 12);
+    const int dimmer = rig.cockpit.tables().MacroValue;
+    rig.module1.turn_encoder(signal("C1"), 3);
     rig.module1.turn_encoder(signal("C3"), -5);
     rig.advance(1500ms);
-    EXPECT_NEAR(std::remainder(value(122) - heading - 12, 360), 0, 0.05);
+    EXPECT_NEAR(rig.cockpit.tables().MacroValue, (dimmer + 3 * 64) % 1024, 64) << "round its end";
     EXPECT_NEAR(value(120), altitude - 500, 5);
 
     rig.module1.set_pot(0, 512);
@@ -76,8 +76,7 @@ TEST_F(IoModules, hands_on_the_boards_move_the_aircraft) {
     EXPECT_EQ(rig.window("frmStatus"), panel::WindowState::minimised);
     press(rig.module1, "D5");
     press(rig.module1, "D6");
-    EXPECT_EQ(rig.machine.key_delivery.sent, (std::vector<std::string>{"C", "A", "+B", "C"}))
-        << "the first C came with the first telegram";
+    EXPECT_EQ(rig.machine.key_delivery.sent, (std::vector<std::string>{"A", "+B"}));
 
     const double hold = value(119, 4);
     press(rig.module2, "A4");

@@ -155,8 +155,8 @@ TEST_F(ConfigurationStoreTest, each_item_lands_in_its_field) {
     EXPECT_EQ(t.plates[1].PlateName, "P");
     EXPECT_EQ(t.plates[1].PlateValue[24], 24.5);
     EXPECT_EQ(t.plates[1].PlatePosition[24], -24);
-    EXPECT_EQ(t.yoke_common.AutoSwitchOverruleTime, 2);
-    EXPECT_EQ(t.yoke_common.MasterAtStartup, 4);
+    EXPECT_EQ(t.yoke_common.AutoSwitchTime, 2);
+    EXPECT_EQ(t.yoke_common.Yoke2MasterAtStartup, 4);
     EXPECT_EQ(t.yoke_common.AileronForceCurve[0].force, 10.0F);
     EXPECT_EQ(t.yoke_common.ElevatorForceCurve[12].airspeed, 59.0F);
     const tables::YokeSettings& yoke = t.yokes[1];
