@@ -62,7 +62,7 @@ int spring_force(const TickContext& tick, AxisState& axis, int effect) {
     axis.curve_percent = profile_force(axis.profile, tick.airspeed);
     axis.ProfileFactor = axis.curve_percent / 100;
     const double share = std::min(static_cast<double>(axis.ProfileFactor) * effect / 100, 1.0);
-    const double force = std::floor(share * static_cast<double>(tick.yoke.ForceRamp) * kFullSpringForce);
+    const double force = std::floor(share * tick.yoke.ForceRamp * kFullSpringForce);
     return force > 0 ? static_cast<int>(force) : 0;
 }
 

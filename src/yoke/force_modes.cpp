@@ -115,7 +115,7 @@ YokeCommand center_tick(const TickContext& tick) {
     YokeCommand command{kYokeDevice, kCommandIdle, {}};
     if (tick.yoke.RampCount >= 1) {
         const auto force = [&tick](int sensitivity) {
-            return rounded(sensitivity / 100.0 * kHalfRange * static_cast<double>(tick.yoke.ForceRamp));
+            return rounded(sensitivity / 100.0 * kHalfRange * tick.yoke.ForceRamp);
         };
         command =
             run_command(center_target(tick.settings, Axis::ailerons), force(tick.settings.SensitivityCenterAilerons),
@@ -153,8 +153,8 @@ int whole(double value) {
     return std::isfinite(value) ? static_cast<int>(std::floor(std::clamp(value, -1e6, 1e6))) : 0;
 }
 
-int ramped(int sensitivity, float ramp) {
-    return rounded(sensitivity * kForcePerSensitivity * static_cast<double>(ramp));
+int ramped(int sensitivity, double ramp) {
+    return rounded(sensitivity * kForcePerSensitivity * ramp);
 }
 
 }  // namespace

@@ -61,7 +61,7 @@ struct YokeState {
     std::int16_t PortRestart = 0;
     std::int16_t StartupStep = 0;
     std::int16_t RampCount = 0;
-    float ForceRamp = 0;
+    double ForceRamp = 0;  // 0..1
 
     std::int16_t YokeMode = kCenter;
     std::int16_t YokeIsSlave = 0;

@@ -16,7 +16,6 @@ constexpr const char* kTenths = "#0.0";
 constexpr const char* kDemand = "000.0";
 constexpr double kControlRange = 16383;
 constexpr double kHalfRange = 512;
-constexpr float kRampStep = 0.01F;
 constexpr int kTickMs = static_cast<int>(kTick.count());
 
 // FFBOffsetNr of what a master reads at every tick, and of what is written.
@@ -115,7 +114,7 @@ void frmConfigYoke::startup_step() {
 void frmConfigYoke::ramp() {
     if (yoke_.RampCount > 0) {
         --yoke_.RampCount;
-        yoke_.ForceRamp += kRampStep;
+        yoke_.ForceRamp = static_cast<double>(kRampTicks - yoke_.RampCount) / kRampTicks;
     }
 }
 
