@@ -7,7 +7,7 @@ bool client_flies(const Aircraft& aircraft) {
 }
 
 void engage(Aircraft& aircraft, double height_m, double climb_fpm) {
-    if (client_flies(aircraft)) {
+    if (client_flies(aircraft) || aircraft.hands_fly()) {
         return;
     }
     Autopilot& autopilot = aircraft.autopilot;

@@ -9,6 +9,8 @@ namespace {
 
 constexpr double kRotateMps = 28.0;
 constexpr double kClimbMps = 43.5;
+constexpr double kAutopilotGivesUpS = 3.0;
+constexpr double kTooLowToStallM = 150.0;
 
 constexpr std::uint8_t kMarkerSound = 4;
 
@@ -49,6 +51,7 @@ void begin_climb(FlightScript& script, Aircraft& aircraft) {
 }
 
 bool climb(FlightScript& script, Aircraft& aircraft, double dt_s) {
+    script.pilot.set_throttle(aircraft, 1.0, dt_s);
     const double fast_mps = aircraft.airframe.indicated_airspeed_mps() - kClimbMps;
     const double pitch_deg = std::clamp(8.0 + 0.7 * fast_mps, 3.0, 11.0);
     const double bank_deg =
@@ -108,6 +111,12 @@ void begin_turbulence(FlightScript& script, Aircraft& aircraft) {
 bool turbulence(FlightScript& script, Aircraft& aircraft, double dt_s) {
     script.pilot.hold_speed(aircraft, 62.0, dt_s);
     script.pilot.mind_autopilot(aircraft, kCircuitHeightM, kDownwindMagneticDeg, dt_s);
+    // The autopilot gives up on such air, and the pilot takes the stick.
+    if (script.marked_s == 0 && script.phase_s() > kAutopilotGivesUpS) {
+        script.marked_s = 1;
+        disengage(aircraft);
+        script.pilot.take_stick(aircraft);
+    }
     if (script.phase_s() > 20.0) {
         aircraft.turbulence = 0;
     }
@@ -150,7 +159,7 @@ bool slow_flight(FlightScript& script, Aircraft& aircraft, double dt_s) {
         script.pilot.set_flaps(aircraft, 0.33);
     }
     script.marked_s += aircraft.airframe.stall_warning() ? dt_s : 0.0;
-    return script.marked_s > 2.0;
+    return script.marked_s > 2.0 || aircraft.airframe.height_m() < kTooLowToStallM;
 }
 
 void begin_stall_recovery(FlightScript& script, Aircraft& aircraft) {

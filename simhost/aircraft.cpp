@@ -11,22 +11,45 @@ namespace {
 constexpr std::size_t kRememberedControls = 64;
 constexpr double kStickSpeed = 2.5;  // full deflections a second
 constexpr double kTrimSpeed = 0.06;  // of the elevator's position, a second
+constexpr double kAutopilotTrimSpeed = 0.2;
+constexpr double kHandOverTrimSpeed = 0.4;
+constexpr double kTrimHeightM = 15.0;
 constexpr double kOverspeedReset = 137.0;
 
 }  // namespace
 
 void Aircraft::move_stick(double dt_s) {
-    const StickWish wish = autopilot.flying() ? autopilot.wish() : pilot_stick;
-    controls.elevator = approach(controls.elevator, controls.elevator_hand.blend(wish.elevator), kStickSpeed * dt_s);
-    controls.aileron = approach(controls.aileron, controls.aileron_hand.blend(wish.aileron), kStickSpeed * dt_s);
-    controls.rudder = approach(controls.rudder, controls.rudder_hand.blend(wish.rudder), kStickSpeed * dt_s);
-    // Whoever flies trims the force away.
-    if (airframe.height_m() > 15.0 && !hands.holds(ClientGroup::trims)) {
-        controls.elevator_trim += kTrimSpeed * controls.elevator * dt_s;
-        controls.rudder_trim += 0.5 * kTrimSpeed * controls.rudder * dt_s;
-        controls.elevator_trim = std::clamp(controls.elevator_trim, -0.9, 0.9);
-        controls.rudder_trim = std::clamp(controls.rudder_trim, -0.9, 0.9);
+    StickWish wish = autopilot.wish();
+    if (!autopilot.flying()) {
+        wish.elevator = controls.elevator_hand.blend(pilot_stick.elevator);
+        wish.aileron = controls.aileron_hand.blend(pilot_stick.aileron);
+        wish.rudder = controls.rudder_hand.blend(pilot_stick.rudder);
     }
+    const bool elevator_in_hands = controls.elevator_hand.held() && !autopilot.flying();
+    if (elevator_in_hands && !elevator_was_in_hands_) {
+        controls.trim_for_the_client();
+    }
+    elevator_was_in_hands_ = elevator_in_hands;
+    controls.elevator = approach(controls.elevator, wish.elevator, kStickSpeed * dt_s);
+    controls.aileron = approach(controls.aileron, wish.aileron, kStickSpeed * dt_s);
+    controls.rudder = approach(controls.rudder, wish.rudder, kStickSpeed * dt_s);
+    if (airframe.height_m() > kTrimHeightM && !hands.holds(ClientGroup::trims)) {
+        move_trim(dt_s);
+    }
+}
+
+// The pilot and the autopilot trim away what they hold; a client's hands get an aircraft in trim and trim it
+// themselves.
+void Aircraft::move_trim(double dt_s) {
+    if (elevator_was_in_hands_) {
+        controls.elevator_trim = approach(controls.elevator_trim, controls.client_trim, kHandOverTrimSpeed * dt_s);
+    } else {
+        const double speed = autopilot.flying() ? kAutopilotTrimSpeed : kTrimSpeed;
+        controls.elevator_trim += speed * controls.elevator * dt_s;
+    }
+    controls.rudder_trim += 0.5 * kTrimSpeed * controls.rudder * dt_s;
+    controls.elevator_trim = std::clamp(controls.elevator_trim, -0.9, 0.9);
+    controls.rudder_trim = std::clamp(controls.rudder_trim, -0.9, 0.9);
 }
 
 void Aircraft::step(double dt_s) {

@@ -58,6 +58,8 @@ struct Aircraft {
     std::int32_t control_parameter = 0;
     std::vector<SentControl> sent_controls;  // the latest ones, oldest first
 
+    // Whether a client flies with its hands on the stick; the autopilot, while it flies, doesn't let it.
+    bool hands_fly() const { return controls.stick_held() && !autopilot.flying(); }
     double indicated_airspeed_knots() const { return airframe.indicated_airspeed_mps() / kMpsPerKnot; }
 
     // Moves everything but the pilot on by one step.
@@ -68,6 +70,8 @@ struct Aircraft {
   private:
     void tick_outputs() { instruments.step(airframe, 0, 0, 0); }
     void move_stick(double dt_s);
+    void move_trim(double dt_s);
+    bool elevator_was_in_hands_ = false;
 };
 
 }  // namespace simhost

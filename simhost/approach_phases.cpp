@@ -14,6 +14,7 @@ constexpr double kShortFinalMps = 34.0;
 constexpr double kHandFlownBelowM = 75.0;
 constexpr double kFlareM = 10.0;
 constexpr double kStraightenM = 2.0;
+constexpr double kOffSlopeM = 60.0;
 
 // The climb that leads back onto the glide path by hand.
 double climb_on_slope(const Aircraft& aircraft) {
@@ -28,6 +29,15 @@ bool can_land_from_here(const Aircraft& aircraft) {
     const RunwayPlace here = aircraft.airframe.runway_place();
     const double off_deg = std::abs(wrap180(aircraft.airframe.track_deg() - kRunwayHeadingDeg));
     return here.along_m < -2500.0 && std::abs(here.across_m) < 1200.0 && off_deg < 100.0;
+}
+
+// Whether the approach can be gone on with after a client has flown a part of it.
+bool still_on_approach(const Aircraft& aircraft) {
+    const RunwayPlace here = aircraft.airframe.runway_place();
+    const double to_go_m = kGlidePathOriginM - here.along_m;
+    const double off_deg = std::abs(wrap180(aircraft.airframe.track_deg() - kRunwayHeadingDeg));
+    const double above_m = aircraft.airframe.height_m() - to_go_m * std::tan(radians(kGlidePathDeg));
+    return to_go_m > 0 && off_deg < 40.0 && std::abs(here.across_m) < 40.0 + 0.15 * to_go_m && above_m < kOffSlopeM;
 }
 
 // Whoever has come to another place than the circuit's goes out to where the approach begins.
@@ -70,7 +80,7 @@ void begin_base_turn(FlightScript& script, Aircraft& aircraft) {
     }
     if (!client_flies(aircraft)) {
         engage(aircraft, kInterceptHeightM, 500);
-        aircraft.autopilot.approach_hold = ils_tuned(aircraft);
+        aircraft.autopilot.approach_hold = aircraft.autopilot.master && ils_tuned(aircraft);
     }
 }
 
@@ -105,6 +115,9 @@ bool final_approach(FlightScript& script, Aircraft& aircraft, double dt_s) {
         script.pilot.take_stick(aircraft);
     }
     script.pilot.turn_left_to(aircraft, kRunwayMagneticDeg, kBugRateDeg, dt_s);
+    if (aircraft.hands_fly() && !still_on_approach(aircraft)) {
+        script.marked_s = 0;
+    }
     if (script.marked_s == 0 && !can_land_from_here(aircraft)) {
         fly_to_approach_fix(script, aircraft, dt_s);
         return false;

@@ -9,9 +9,10 @@ namespace simhost {
 namespace {
 
 constexpr double kCentreBand = 0.04;
-constexpr double kClientSilentS = 1.5;
 constexpr double kTakeOverS = 0.15;
 constexpr double kGiveBackS = 2.0;
+constexpr double kTrimPerElevator = 2.0;  // of the elevator's travel
+constexpr double kMostHandedOver = 0.35;  // of the trim's travel
 
 constexpr double kFlapsTravelS = 8.0;
 constexpr double kGearTravelS = 6.0;
@@ -26,18 +27,24 @@ void ClientHands::step(double dt_s) {
 }
 
 void HandAxis::client_writes(double position) {
-    if (std::abs(position) > kCentreBand || (client_share_ > 0.5 && client_age_s_ < kClientSilentS)) {
-        client_position_ = position;
-    }
+    silent_s_ = 0;
     if (std::abs(position) > kCentreBand) {
-        client_age_s_ = 0;
+        still_s_ = 0;
+    }
+    if (held()) {
+        client_position_ = position;
     }
 }
 
 void HandAxis::step(double dt_s) {
-    client_age_s_ += dt_s;
-    const bool held = client_age_s_ < kClientSilentS;
-    client_share_ = approach(client_share_, held ? 1.0 : 0.0, dt_s / (held ? kTakeOverS : kGiveBackS));
+    still_s_ += dt_s;
+    silent_s_ += dt_s;
+    client_share_ = approach(client_share_, held() ? 1.0 : 0.0, dt_s / (held() ? kTakeOverS : kGiveBackS));
+}
+
+void Controls::trim_for_the_client() {
+    const double handed_over = std::clamp(kTrimPerElevator * elevator, -kMostHandedOver, kMostHandedOver);
+    client_trim = std::clamp(elevator_trim + handed_over, -0.9, 0.9);
 }
 
 double Controls::brakes() const {

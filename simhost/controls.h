@@ -62,19 +62,24 @@ class ClientHands {
     std::array<double, kClientGroups> age_s_{};
 };
 
-// One axis of the stick or the pedals, -1..1. A client that deflects it has it; when the client lets go (writes a value
-// near the centre, or nothing for a second and a half) the pilot or the autopilot gets it back over two seconds.
+// One axis of the stick or the pedals, -1..1. A client that deflects it has it; a yoke that rests near its centre and
+// tells that over and over has nothing. When the client's hands are still for five seconds (it writes values near the
+// centre), or it is silent for a second and a half, the pilot gets the axis back over two seconds.
 class HandAxis {
   public:
     void client_writes(double position);
     void step(double dt_s);
     // What arrives at the control when the pilot or the autopilot wants `wanted`.
     double blend(double wanted) const { return wanted + (client_position_ - wanted) * client_share_; }
-    double client_share() const { return client_share_; }
+    // Whether a client has the axis.
+    bool held() const { return still_s_ < kStillHandsS && silent_s_ < kSilentS; }
 
   private:
+    static constexpr double kStillHandsS = 5.0;
+    static constexpr double kSilentS = 1.5;
     double client_position_ = 0;
-    double client_age_s_ = 1e9;
+    double still_s_ = 1e9;   // since the client has deflected the axis
+    double silent_s_ = 1e9;  // since it has written at all
     double client_share_ = 0;
 };
 
@@ -90,6 +95,7 @@ struct Controls {
     double elevator_trim = 0;
     double aileron_trim = 0;
     double rudder_trim = 0;
+    double client_trim = 0;  // the elevator trim that keeps the aircraft in trim for the client's hands
     double throttle = 0;
     double propeller = 1;
     double mixture = 0;
@@ -115,6 +121,12 @@ struct Controls {
     double rudder_surface = 0;
     double flaps = 0;
     double gear = 1;
+
+    // Whether a client has its hands on the stick.
+    bool stick_held() const { return elevator_hand.held() || aileron_hand.held(); }
+    // For the moment when a client takes the elevator: what the pilot held with it goes over into the trim, so that the
+    // aircraft stays in trim with the client's stick in the middle.
+    void trim_for_the_client();
 
     void step(double bus_volts, double dt_s);
     AirframeInputs airframe_inputs(double thrust_n) const;

@@ -20,7 +20,7 @@ bool FlightModel::lost() const {
     const RunwayPlace here = aircraft_.airframe.runway_place();
     const bool off_the_field = here.along_m < -kFieldReachM || here.along_m > kRunwayLengthM + kFieldReachM ||
                                std::abs(here.across_m) > kFieldReachM;
-    const bool upside_down = std::abs(aircraft_.airframe.bank_deg()) > 120.0;
+    const bool upside_down = std::abs(aircraft_.airframe.bank_deg()) > 120.0 && !aircraft_.hands_fly();
     return (aircraft_.airframe.on_ground() && (should_fly || off_the_field)) || upside_down ||
            aircraft_.airframe.height_m() < -1.0 || aircraft_.airframe.height_m() > kCeilingM;
 }
@@ -29,10 +29,11 @@ void FlightModel::one_step() {
     script_.step(aircraft_, kStepS);
     aircraft_.step(kStepS);
     time_s_ += kStepS;
-    // A client may fly the aircraft into the ground or out of the world; then the flight starts again.
+    // A client may fly the aircraft into the ground or out of the world; then it stands ready on the runway again.
     stranded_s_ = lost() ? stranded_s_ + kStepS : 0.0;
     if (stranded_s_ > kGiveUpS) {
         restart();
+        jump_to(Phase::take_off);
     }
 }
 

@@ -2,6 +2,13 @@
 
 namespace simhost {
 
+namespace {
+
+// A client that pulls up out of the landing to this height goes around.
+constexpr double kGoAroundM = 40.0;
+
+}  // namespace
+
 const std::array<PhaseRow, kPhases>& phase_table() {
     using namespace ground_phases;
     using namespace air_phases;
@@ -58,6 +65,10 @@ void FlightScript::step(Aircraft& aircraft, double dt_s) {
         enter(phase_, aircraft);
     }
     phase_s_ += dt_s;
+    const bool lands = phase_ == Phase::landing || phase_ == Phase::roll_out;
+    if (lands && aircraft.airframe.height_m() > kGoAroundM) {
+        enter(Phase::climb, aircraft);
+    }
     const PhaseRow& row = phase_table()[static_cast<std::size_t>(phase_)];
     const bool done = row.step(*this, aircraft, dt_s);
     if (!done && phase_s_ < row.limit_s) {

@@ -16,6 +16,8 @@ constexpr double kTurnRate = 0.42;         // radians a second
 constexpr double kWheelBaseM = 1.7;
 constexpr double kNoseWheelThrow = 0.45;
 constexpr double kArrivedM = 2.5;
+constexpr double kRollOutFirstDeg = 60.0;  // with more bank the pilot levels the wings before anything else
+constexpr double kPitchReachDeg = 15.0;    // the nose is brought back from afar bit by bit
 
 double rolling_mps(const Aircraft& aircraft) {
     return aircraft.airframe.forward_speed_mps();
@@ -33,7 +35,18 @@ void Pilot::release_stick(Aircraft& aircraft) {
 }
 
 void Pilot::fly_attitude(Aircraft& aircraft, double pitch_deg, double bank_deg, double dt_s) {
-    aircraft.pilot_stick = loops_.hold(pitch_deg, bank_deg, aircraft.airframe, dt_s);
+    const double pitch_now_deg = aircraft.airframe.pitch_deg();
+    if (aircraft.controls.elevator_hand.held()) {  // nothing is to be learned from another's hands
+        loops_.restart(0, pitch_now_deg);
+    }
+    if (std::abs(aircraft.airframe.bank_deg()) > kRollOutFirstDeg) {
+        loops_.restart(0, pitch_now_deg);
+        aircraft.pilot_stick = loops_.hold(pitch_now_deg, 0, aircraft.airframe, dt_s);
+        aircraft.pilot_stick.elevator = 0;
+        return;
+    }
+    const double reached_deg = std::clamp(pitch_deg, pitch_now_deg - kPitchReachDeg, pitch_now_deg + kPitchReachDeg);
+    aircraft.pilot_stick = loops_.hold(reached_deg, bank_deg, aircraft.airframe, dt_s);
 }
 
 void Pilot::fly_climb(Aircraft& aircraft, double climb_mps, double bank_deg, double dt_s) {

@@ -181,7 +181,7 @@ TEST(Circuit, warnings_and_flags_come_in_the_phases_that_call_for_them) {
     EXPECT_EQ(flight().trace("outer_marker", Phase::final_approach).most, 1);
 }
 
-TEST(Circuit, the_autopilot_holds_its_altitude_and_turbulence_shakes_the_aircraft) {
+TEST(Circuit, the_altitude_is_held_in_turbulence_that_shakes_the_aircraft) {
     const ValueTrace& held = flight().trace("altitude", Phase::turbulence);
     const double wanted_ft = flight().trace("ap_altitude_value", Phase::turbulence).most / simhost::kMetresPerFoot;
     EXPECT_NEAR(held.least, wanted_ft, 60);
