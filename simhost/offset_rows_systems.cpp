@@ -75,6 +75,7 @@ void put_lever(A& a, double value) {
 template <double Controls::*kTrim>
 void put_trim(A& a, double value) {
     a.controls.*kTrim = axis(value);
+    a.controls.client_trim = a.controls.elevator_trim;  // what the client has trimmed stays
     a.hands.touch(G::trims);
 }
 
