@@ -17,6 +17,8 @@ constexpr double kFullSpringForce = 1150;
 constexpr double kFullStiffness = 1.0;  // force units a raw unit, at the full spring force
 constexpr double kBearingDamping = 0.002;
 constexpr double kServoDamping = 0.45;  // share of the critical damping
+constexpr double kHandStiffness = 2;    // force units a raw unit
+constexpr double kHandDamping = 0.05;   // force units * s / raw unit
 constexpr double kRestSpeed = 2;        // raw units a second
 
 }  // namespace
@@ -47,14 +49,23 @@ void ForceColumn::push(double force, platform::TimePoint now) {
     catch_up(now);
     push_ = std::clamp(force, -kFullForce, kFullForce);
     held_at_.reset();
+    drawn_to_.reset();
 }
 
 void ForceColumn::hold(double raw, platform::TimePoint now) {
     catch_up(now);
     push_ = 0;
+    drawn_to_.reset();
     held_at_ = std::clamp(raw, kLowStop, kHighStop);
     position_ = *held_at_;
     speed_ = 0;
+}
+
+void ForceColumn::draw(double raw, platform::TimePoint now) {
+    catch_up(now);
+    push_ = 0;
+    held_at_.reset();
+    drawn_to_ = raw;
 }
 
 void ForceColumn::let_go(platform::TimePoint now) {
@@ -68,7 +79,7 @@ double ForceColumn::position(platform::TimePoint now) const {
 
 int ForceColumn::measured_force(platform::TimePoint now) const {
     catch_up(now);
-    return static_cast<int>(std::lround(held_at_ ? -motor_force() : push_));
+    return static_cast<int>(std::lround(held_at_ ? -motor_force() : hand_force()));
 }
 
 void ForceColumn::power_on(platform::TimePoint now) {
@@ -88,8 +99,12 @@ double ForceColumn::motor_force() const {
     return std::fabs(exerted) < threshold_ ? 0 : exerted;
 }
 
+double ForceColumn::hand_force() const {
+    return drawn_to_ ? std::clamp(kHandStiffness * (*drawn_to_ - position_), -kFullForce, kFullForce) : push_;
+}
+
 bool ForceColumn::at_rest() const {
-    return speed_ == 0 && (held_at_ || std::fabs(motor_force() + push_) <= kStaticFriction);
+    return speed_ == 0 && (held_at_ || std::fabs(motor_force() + hand_force()) <= kStaticFriction);
 }
 
 void ForceColumn::catch_up(platform::TimePoint now) const {
@@ -108,14 +123,15 @@ void ForceColumn::step() const {
     const double motor = motor_force();
     const double stiffness = motor_on_ ? force_ / kFullSpringForce * kFullStiffness : 0;
     const double damping = kBearingDamping + 2 * kServoDamping * std::sqrt(stiffness * kMass);
-    double net = motor + push_ - damping * speed_;
+    const double hand = hand_force();
+    double net = motor + hand - (drawn_to_ ? damping + kHandDamping : damping) * speed_;
     const double direction = speed_ != 0 ? speed_ : net;
     net -= std::copysign(kSlidingFriction, direction);
     const double before = speed_;
     speed_ += net / kMass * kStepS;
     // Friction stops it and does not turn it round.
     const bool turned = before * speed_ < 0;
-    if ((turned || std::fabs(speed_) < kRestSpeed) && std::fabs(motor + push_) <= kStaticFriction) {
+    if ((turned || std::fabs(speed_) < kRestSpeed) && std::fabs(motor + hand) <= kStaticFriction) {
         speed_ = 0;
     }
     position_ += speed_ * kStepS;

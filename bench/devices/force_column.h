@@ -7,7 +7,7 @@
 namespace bench {
 
 // One axis of a yoke as a thing of mass and friction between two stops: a motor draws it towards a target with a spring
-// whose stiffness is the commanded force, and a hand may push it, or hold it somewhere.
+// whose stiffness is the commanded force, and a hand may push it, hold it somewhere, or draw it somewhere.
 //
 // Positions are raw units of the sensor, 0..1023; forces are in units of 511 for the full force of motor and hand. It
 // is worked out in steps of 2 ms up to the moment that is looked at, the same whatever the moments are.
@@ -33,6 +33,8 @@ class ForceColumn {
     void push(double force, platform::TimePoint now);
     // Holds it at a place, whatever the motor does.
     void hold(double raw, platform::TimePoint now);
+    // Draws it towards a place as an arm does: like a spring, with the full force at most.
+    void draw(double raw, platform::TimePoint now);
     void let_go(platform::TimePoint now);
 
     // --- What is to be seen ---------------------------------------------------------------------------------------
@@ -42,8 +44,9 @@ class ForceColumn {
     // higher raw values. -511..511.
     int measured_force(platform::TimePoint now) const;
     bool motor_on() const { return motor_on_; }
-    bool held() const { return held_at_.has_value() || push_ != 0; }
-    double pushed_with() const { return push_; }
+    bool held() const { return held_at_ || drawn_to_ || push_ != 0; }
+    // The hand's force where the column last stood; 0 of a hand that holds.
+    double pushed_with() const { return hand_force(); }
     int target() const { return target_; }
     int force() const { return force_; }
     int maximum() const { return maximum_; }
@@ -55,6 +58,7 @@ class ForceColumn {
     void catch_up(platform::TimePoint now) const;
     void step() const;
     double motor_force() const;
+    double hand_force() const;
     bool at_rest() const;
 
     int target_ = 512;
@@ -65,6 +69,7 @@ class ForceColumn {
     bool motor_on_ = false;
     double push_ = 0;
     std::optional<double> held_at_;
+    std::optional<double> drawn_to_;
 
     // Worked out when it is looked at.
     mutable platform::TimePoint time_{};

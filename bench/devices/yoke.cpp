@@ -191,6 +191,9 @@ bool Yoke::operate(std::string_view control, int amount) {
     } else if (control == "holdRoll" || control == "holdPitch") {
         ForceColumn& held = moving(control == "holdRoll" ? Axis::ailerons : Axis::elevator);
         amount < 0 ? held.let_go(now()) : held.hold(amount, now());
+    } else if (control == "drawRoll" || control == "drawPitch") {
+        ForceColumn& drawn = moving(control == "drawRoll" ? Axis::ailerons : Axis::elevator);
+        amount < 0 ? drawn.let_go(now()) : drawn.draw(amount, now());
     } else if (control.substr(0, 6) == "switch") {
         int number = -1;
         const char* const end = control.data() + control.size();

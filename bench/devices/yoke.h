@@ -22,6 +22,8 @@ class Yoke : public LineInstrument {
     void push(yoke::Axis axis, double force) { moving(axis).push(force, now()); }
     // At a raw position, 0..1023.
     void hold(yoke::Axis axis, double raw) { moving(axis).hold(raw, now()); }
+    // Towards a raw position, as an arm does.
+    void draw(yoke::Axis axis, double raw) { moving(axis).draw(raw, now()); }
     void let_go();
     // Switch 0..15; a yoke that is not of type 3 has six.
     void set_switch(int number, bool closed);

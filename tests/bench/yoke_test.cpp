@@ -113,6 +113,30 @@ TEST_F(YokeUnit, deadband_threshold_and_a_hand_that_holds) {
     EXPECT_EQ(unit.column(Axis::elevator).measured_force(loop.now()), 0);
 }
 
+TEST_F(YokeUnit, a_hand_that_draws_it_feels_the_motor_and_comes_to_rest) {
+    motors_on();
+    const auto drawn_with = [this](int motor_force) {
+        command(11, 512, motor_force, 512, 0);
+        unit.draw(Axis::ailerons, 812);
+        wait(1000);
+        const double place = at(Axis::ailerons);
+        wait(5);
+        EXPECT_EQ(at(Axis::ailerons), place) << "it does not swing between hand and motor";
+        return place;
+    };
+    const double weak = drawn_with(0), middle = drawn_with(575), strong = drawn_with(1150);
+    EXPECT_NEAR(weak, 812, 4);
+    EXPECT_NEAR(middle, 512 + 300 * 2 / 2.5, 4);
+    EXPECT_NEAR(strong, 512 + 300 * 2 / 3.0, 4);
+    EXPECT_NEAR(unit.column(Axis::ailerons).measured_force(loop.now()), 2 * (812 - strong), 1);
+    EXPECT_TRUE(unit.operate("drawRoll", 100));
+    wait(1000);
+    EXPECT_LT(at(Axis::ailerons), 300);
+    EXPECT_TRUE(unit.operate("drawRoll", -1));
+    wait(1000);
+    EXPECT_NEAR(at(Axis::ailerons), 512, 35);
+}
+
 TEST_F(YokeUnit, says_where_it_stands_to_every_command_for_it) {
     unit.hold(Axis::ailerons, 300);
     unit.hold(Axis::elevator, 1023);

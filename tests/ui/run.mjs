@@ -8,6 +8,7 @@ import { runInstrumentCases } from "./instrument_cases.mjs";
 import { runIoCases } from "./io_cases.mjs";
 import { runPageCases } from "./page_cases.mjs";
 import { runSwitchboardCases } from "./switchboard_cases.mjs";
+import { runYokeCases } from "./yoke_cases.mjs";
 
 const folder = process.argv[2] ?? "out";
 const runner = new CaseRunner("build.d/pictures");
@@ -16,6 +17,7 @@ try {
   await runPageCases(runner, browser);
   await runInstrumentCases(runner, browser);
   await runIoCases(runner, browser);
+  await runYokeCases(runner, browser);
   await runFlightCases(runner, browser, folder);
   await runBenchCases(runner, browser, folder);
   await runClusterCases(runner, browser, folder);

@@ -32,11 +32,12 @@ const units = [
   ["engine_cluster_gauge", 8],
   ["engine_cluster", 0],
   ["io_module", 0, 3],
+  ["yoke", 0, 3],
   ["needle_gauge", 2],
 ];
 
 // Units with a port of their own.
-const ownPorts = { engine_cluster: 15, io_module: 9 };
+const ownPorts = { engine_cluster: 15, io_module: 9, yoke: 5 };
 
 const noNeedle = { title: "", sequence: 1, plate: "", points: [] };
 
@@ -60,7 +61,7 @@ export const instruments = units.map(([face, type, model = 1], index) => ({
   model,
   version: 1,
   face,
-  typeName: face === "io_module" ? "IO module 1" : face,
+  typeName: { io_module: "IO module 1", yoke: "Yoke 1" }[face] ?? face,
   needles: Array.from({ length: face === "engine_cluster" ? 16 : 8 }, () => noNeedle),
   ...printOf(face),
 }));

@@ -51,7 +51,7 @@ function useContact(move: (closed: boolean) => void): (closed: boolean) => void 
 }
 
 /** A button whose contact is closed while it is held down, by finger or key. */
-function Push({ bench, number, label, closed, on }: ContactProps & { on: boolean }): JSX.Element {
+export function Push({ bench, number, label, closed, on }: ContactProps & { on: boolean }): JSX.Element {
   const contact = useContact((wanted) => turn(bench, `switch${number}`, wanted ? 1 : 0));
   const press = () => contact(true);
   const release = () => contact(false);

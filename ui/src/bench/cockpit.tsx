@@ -145,6 +145,7 @@ const GROUPS: [Group, string][] = [
   ["stack", "Radio stack"],
   ["engine", "Gauges"],
   ["other", "Clocks and trim"],
+  ["yoke", "Yokes"],
   ["io", "Switchboards"],
 ];
 

@@ -5,6 +5,7 @@ import "./controls.css";
 import "./instruments.css";
 import "./switchboard.css";
 import "./switchboard_controls.css";
+import "./yoke.css";
 import { openSocket } from "../shared/socket";
 import { Cockpit } from "./cockpit";
 import type { Message } from "./protocol";

@@ -21,9 +21,10 @@ import { rmiFace } from "./rmi";
 import { transponderFace } from "./transponder";
 import { trimWheelFace } from "./trim_wheel";
 import { vorIndicatorFace } from "./vor_indicator";
+import { yokeFace } from "./yoke";
 
 /** Where on the panel an instrument stands. */
-export type Group = "flight" | "stack" | "engine" | "other" | "io";
+export type Group = "flight" | "stack" | "engine" | "other" | "yoke" | "io";
 
 interface Row {
   face: Face;
@@ -53,6 +54,7 @@ const FACES: Record<string, Row> = {
   boeing_clock: { face: boeingClockFace, group: "other" },
   cessna_clock: { face: cessnaClockFace, group: "other" },
   trim_wheel: { face: trimWheelFace, group: "other" },
+  yoke: { face: yokeFace, group: "yoke" },
   io_module: { face: ioModuleFace, group: "io" },
 };
 
