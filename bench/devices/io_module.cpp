@@ -84,6 +84,9 @@ void IoModule::hear(std::string_view bytes) {
 }
 
 void IoModule::take_command(const Command& command) {
+    if (command.value < 0 && command.number != kCommandStatus) {
+        return;  // a sign that means nothing to any of them: the frame was hurt on the line
+    }
     const int low = command.value & 255;
     const int high = command.value >> 8;
     switch (command.number) {
@@ -122,7 +125,7 @@ void IoModule::take_command(const Command& command) {
 
 void IoModule::take_led(int value) {
     const int led = value >> 8;
-    if (value < 0 || led >= kLeds) {
+    if (led >= kLeds) {
         return;
     }
     ++led_commands_;

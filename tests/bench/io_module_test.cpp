@@ -193,6 +193,19 @@ TEST_F(Module, leds_light_by_power_wish_masters_and_tests) {
     EXPECT_EQ(unit.unknown_commands(), 1);
 }
 
+TEST_F(Module, a_command_with_a_sign_changes_nothing) {
+    command(8, 128);
+    command(10, 2 * 256 + 1);
+    command(11, 3 + 256 * 2);
+    command(13, 1 + 256 * 1);
+    const std::map<std::string, std::string> before = shown(unit);
+    for (const auto& [number, value] : std::vector<std::pair<int, int>>{
+             {8, -128}, {9, -5}, {10, -2 * 256}, {11, -256}, {11, -253}, {13, -255}, {14, -257}}) {
+        command(number, value);
+        EXPECT_EQ(shown(unit), before) << number << ", " << value;
+    }
+}
+
 TEST_F(Module, noise_stays_within_its_bounds_and_the_range) {
     unit.set_pot(0, 500);
     unit.set_pot(1, 3);

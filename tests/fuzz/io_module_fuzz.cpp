@@ -19,6 +19,7 @@ using iom_test::IomWorld;
 constexpr std::size_t kLongestInput = 256;
 constexpr int kLedFunctions = 6;
 constexpr int kSimulatorMs = 100;  // a cycle now and then will do
+constexpr int kSecondMs = 100;     // and a second is long
 constexpr int kOtherSwitches[] = {2, 5, 7, 8, 14, 15, 35, 47};
 constexpr int kLeds[] = {0, 1, 7, 13, 20, 31};
 constexpr int kInputs[] = {0, 3, 7};
@@ -144,6 +145,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     world.tables.GaugeBusPort1 = 0;
     world.tables.ProcessInterval = 200;
     world.sim_com.ProcessTimer.set_interval(platform::Milliseconds(kSimulatorMs));
+    world.module1.TimerSeconds.set_interval(platform::Milliseconds(kSecondMs));
     assign_rows(world);
     world.ports.OpenAllPorts();
     if (size > 0 && (data[0] & 1U) != 0) {
@@ -153,7 +155,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     world.line1.plug();
     // Longer than the longest input takes on the line; a port that was not there at the start is tried every second.
-    world.advance(world.module1.serial_port().is_open() ? 300 : 1300);
+    world.advance(100 + kSecondMs);
     if (world.module1.running()) {
         expect_telegrams_to_act(world);
     } else {
