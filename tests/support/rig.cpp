@@ -110,8 +110,11 @@ void Rig::keep_needle_gauges(Instruments kept) {
         }
     }
     tables->ClusterPort = 0;
-    if (kept == Instruments::needle_gauges) {
+    if (kept != Instruments::needles_and_io_modules) {
         tables->IomPort1 = tables->IomPort2 = 0;
+    }
+    if (kept != Instruments::needles_and_yokes) {
+        tables->YokePort1 = tables->YokePort2 = 0;
     }
     machine.files.contents[tables->ConfigFileName] = store.configuration_bytes();
 }
@@ -134,6 +137,8 @@ void Rig::build_bench() {
     bench::set_up_io_module(module2, file_tables_, bus::kIoModule2Id);
     hang(module1, file_tables_.IomPort1);
     hang(module2, file_tables_.IomPort2);
+    hang(yoke1, file_tables_.YokePort1);
+    hang(yoke2, file_tables_.YokePort2);
     machine.boxes.forget_shown();
 }
 

@@ -11,6 +11,7 @@
 #include "bench/devices/engine_cluster.h"
 #include "bench/devices/io_module.h"
 #include "bench/devices/needle_gauges.h"
+#include "bench/devices/yoke.h"
 #include "platform/manual/manual_platform.h"
 #include "simhost/simulator.h"
 
@@ -22,7 +23,7 @@ enum class SimulatorAtStart { up, absent };
 
 // How much of the demo's cockpit stands on the lines. Its needle gauges alone are enough for most tests, and hours of
 // them cost seconds.
-enum class Instruments { needle_gauges, needles_and_io_modules, all };
+enum class Instruments { needle_gauges, needles_and_io_modules, needles_and_yokes, all };
 
 // The real program on virtual time, with simulated devices on its serial lines and a simulator that answers its
 // request blocks, all in one process. It starts with the files of the demo folder; a test changes `machine` (files,
@@ -44,6 +45,9 @@ class Rig {
     // The IO modules, on the wires of the configuration's ports where it has them.
     bench::IoModule module1{machine.loop};
     bench::IoModule module2{machine.loop};
+    // And so the yokes.
+    bench::Yoke yoke1{machine.loop};
+    bench::Yoke yoke2{machine.loop};
     app::Cockpit cockpit{machine.platform()};
 
     // --- Going on ---------------------------------------------------------------------------------------------------
