@@ -25,6 +25,9 @@ void Aircraft::move_stick(double dt_s) {
         wish.aileron = controls.aileron_hand.blend(pilot_stick.aileron);
         wish.rudder = controls.rudder_hand.blend(pilot_stick.rudder);
     }
+    if (airframe.stall_warning() || overspeed) {
+        controls.elevator_hand.shaken();
+    }
     const bool elevator_in_hands = controls.elevator_hand.held() && !autopilot.flying();
     if (elevator_in_hands && !elevator_was_in_hands_) {
         controls.trim_for_the_client();

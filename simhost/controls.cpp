@@ -27,8 +27,19 @@ void ClientHands::step(double dt_s) {
 }
 
 void HandAxis::client_writes(double position) {
+    if (silent_s_ >= kSilentS && silent_s_ < kNever) {
+        way_back_from_ = position;
+        way_back_s_ = kWayBackS;
+    }
     silent_s_ = 0;
-    if (std::abs(position) > kCentreBand) {
+    if (shaken_s_ > 0 && !held()) {
+        left_at_ = position;
+        return;
+    }
+    const double beginning = way_back_s_ > 0 ? way_back_from_ : 0;
+    const double lowest = std::min({0.0, left_at_, beginning}) - kCentreBand;
+    const double highest = std::max({0.0, left_at_, beginning}) + kCentreBand;
+    if (position < lowest || position > highest) {
         still_s_ = 0;
     }
     if (held()) {
@@ -37,6 +48,8 @@ void HandAxis::client_writes(double position) {
 }
 
 void HandAxis::step(double dt_s) {
+    shaken_s_ -= dt_s;
+    way_back_s_ -= dt_s;
     still_s_ += dt_s;
     silent_s_ += dt_s;
     client_share_ = approach(client_share_, held() ? 1.0 : 0.0, dt_s / (held() ? kTakeOverS : kGiveBackS));

@@ -63,12 +63,17 @@ class ClientHands {
 };
 
 // One axis of the stick or the pedals, -1..1. A client that deflects it has it; a yoke that rests near its centre and
-// tells that over and over has nothing. When the client's hands are still for five seconds (it writes values near the
-// centre), or it is silent for a second and a half, the pilot gets the axis back over two seconds.
+// tells that over and over has nothing. Where a yoke stands when it begins to tell again, as one does that the
+// autopilot has moved, is not its hands either, nor is its way back to the centre. When the client's hands are still
+// for five seconds (it writes values near the centre), or it is silent for a second and a half, the pilot gets the axis
+// back over two seconds.
 class HandAxis {
   public:
     void client_writes(double position);
     void step(double dt_s);
+    // The stick is being shaken. Unless a client has it, it is nobody's hands where that leaves it, nor between there
+    // and the centre.
+    void shaken() { shaken_s_ = kShakingEndsS; }
     // What arrives at the control when the pilot or the autopilot wants `wanted`.
     double blend(double wanted) const { return wanted + (client_position_ - wanted) * client_share_; }
     // Whether a client has the axis.
@@ -77,9 +82,16 @@ class HandAxis {
   private:
     static constexpr double kStillHandsS = 5.0;
     static constexpr double kSilentS = 1.5;
+    static constexpr double kNever = 1e9;
+    static constexpr double kWayBackS = 2.5;
+    static constexpr double kShakingEndsS = 1.0;
+    double shaken_s_ = 0;
     double client_position_ = 0;
-    double still_s_ = 1e9;   // since the client has deflected the axis
-    double silent_s_ = 1e9;  // since it has written at all
+    double left_at_ = 0;        // where shaking has left it
+    double way_back_from_ = 0;  // where it stood when it began to tell again,
+    double way_back_s_ = 0;     // which counts for so long
+    double still_s_ = kNever;   // since the client has deflected the axis
+    double silent_s_ = kNever;  // since it has written at all
     double client_share_ = 0;
 };
 

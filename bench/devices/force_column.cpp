@@ -10,9 +10,9 @@ namespace {
 
 constexpr std::chrono::milliseconds kStep{2};
 constexpr double kStepS = 0.002;
-constexpr double kMass = 0.0007;       // force units * s^2 / raw unit
-constexpr double kStaticFriction = 7;  // force units
-constexpr double kSlidingFriction = 5;
+constexpr double kMass = 0.0007;         // force units * s^2 / raw unit
+constexpr double kStaticFriction = 2.5;  // force units
+constexpr double kSlidingFriction = 2;
 constexpr double kFullSpringForce = 1150;
 constexpr double kFullStiffness = 1.0;  // force units a raw unit, at the full spring force
 constexpr double kBearingDamping = 0.002;
