@@ -17,7 +17,7 @@ try {
   await runPageCases(runner, browser);
   await runInstrumentCases(runner, browser);
   await runIoCases(runner, browser);
-  await runYokeCases(runner, browser);
+  await runYokeCases(runner, browser, folder);
   await runFlightCases(runner, browser, folder);
   await runBenchCases(runner, browser, folder);
   await runClusterCases(runner, browser, folder);

@@ -1,6 +1,9 @@
 // A yoke on the virtual cockpit: what the hand on it sends, and what it shows.
+import { open, readFile, writeFile } from "node:fs/promises";
+import { join } from "node:path";
 import { openPage, sizes } from "./browser.mjs";
 import { equal, holds, until } from "./case_runner.mjs";
+import { Programs } from "./programs.mjs";
 import { keyOf, ScriptedBench } from "./scripted_bench.mjs";
 
 const key = keyOf("yoke");
@@ -96,7 +99,55 @@ async function a_switch_is_closed_while_it_is_held_and_an_older_yoke_has_six(ben
   await until(async () => (await find(bench, "[data-contact]").count()) === 6, "six switches");
 }
 
-export async function runYokeCases(runner, browser) {
+const yokePort = 5;
+
+// The real bench, with this test at the program's end of the line.
+async function a_hand_draws_the_simulated_yoke_against_its_motor(programs, page) {
+  const unit = (selector) => page.locator(`[data-instrument="${yokePort}.0"] ${selector}`);
+  const send = async (command, ...values) => {
+    const line = await open(join(programs.folder, "ports", `COM${yokePort}`), "r+");
+    const bytes = [0, 1, 2, 3].flatMap((at) => [(values[at] ?? 0) & 127, (values[at] ?? 0) >> 7]);
+    await line.write(Buffer.from([0, 15, command | 128, ...bytes.map((byte) => byte | 128), 255, 255]));
+    await line.close();
+  };
+  const stands = (name, fits) => until(async () => fits(parseFloat(await unit(`[data-bar="${name}"]`).textContent())), name);
+  await send(10, 511, 0, 511, 0);
+  await send(13, 1);
+  await send(14, 1);
+  await send(11, 512, 1150, 512, 575);
+  await unit('[data-motor="Pitch"][data-on="true"]').waitFor();
+  await unit(".yoke-above").scrollIntoViewIfNeeded();
+  const { x, y, width } = await unit(".yoke-above").boundingBox();
+  await page.mouse.move(x + width / 2, y + width / 2);
+  await page.mouse.down();
+  await page.mouse.move(x + width * 0.6875, y + width * 0.63, { steps: 5 }); // half the travel either way, to the right and towards the pilot
+  await stands("positionBank", (raw) => raw > 670 && raw < 695); // two thirds of it against a strong motor
+  await stands("positionPitch", (raw) => raw > 295 && raw < 320); // four fifths against a weaker one
+  await stands("forceBank", (percent) => percent > 25 && percent < 40);
+  await page.mouse.up();
+  await stands("positionBank", (raw) => Math.abs(raw - 512) < 15);
+  await stands("positionPitch", (raw) => Math.abs(raw - 512) < 25);
+  equal(page.troubles, [], "troubles of the page");
+}
+
+async function runWithTheBench(runner, browser, folder) {
+  const programs = await Programs.inFolderOf(folder);
+  try {
+    const file = join(programs.folder, "Default MS-FS.cfg");
+    const lines = (await readFile(file, "latin1")).split("\r\n");
+    lines[lines.indexOf('"Yoke1"') + 1] = String(yokePort);
+    await writeFile(file, lines.join("\r\n"), "latin1");
+    const page = await openPage(browser, sizes.desktop);
+    await page.goto(await programs.start("bench"));
+    const work = a_hand_draws_the_simulated_yoke_against_its_motor;
+    await runner.run(work.name.replaceAll("_", " "), () => work(programs, page), page);
+    await page.context().close();
+  } finally {
+    await programs.stopAll();
+  }
+}
+
+export async function runYokeCases(runner, browser, folder) {
   const page = await openPage(browser, sizes.desktop);
   const bench = await ScriptedBench.behind(page);
   try {
@@ -117,4 +168,5 @@ export async function runYokeCases(runner, browser) {
     bench.stop();
     await page.context().close();
   }
+  await runWithTheBench(runner, browser, folder);
 }

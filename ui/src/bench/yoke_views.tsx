@@ -10,6 +10,7 @@ const TURN_DEGREES = 90; // at a stop
 const TURN_UNITS = 90; // of the drawing, that the pointer goes for half the travel
 const PULL_UNITS = 62;
 const SIDE_UNITS = 64;
+const PANEL = -98; // in the view from the side
 const WHEEL_SINKS = 20;
 const WHEEL_GROWS = 0.13;
 
@@ -111,10 +112,10 @@ export function ViewFromAbove({ label, at, target, drawn, onGrab, onDrag, onLetG
               {[-90, -60, -30, 0, 30, 60, 90].map((degrees) => (
                 <line key={degrees} transform={`rotate(${degrees})`} y1={-104} y2={degrees % 90 === 0 ? -94 : -98} stroke-width={degrees % 90 === 0 ? 2.4 : 1.4} />
               ))}
-              <text class="scale-label" x={-92} y={20} font-size={9}>
+              <text class="scale-label" x={-90} y={104} font-size={9}>
                 LEFT
               </text>
-              <text class="scale-label" x={92} y={20} font-size={9}>
+              <text class="scale-label" x={90} y={104} font-size={9}>
                 RIGHT
               </text>
             </g>
@@ -128,6 +129,8 @@ export function ViewFromAbove({ label, at, target, drawn, onGrab, onDrag, onLetG
               <path class="yoke-rim-light" d={WHEEL} />
               <path class="yoke-grip" d="M -66 -44 C -78 -22 -78 2 -70 18" />
               <path class="yoke-grip" d="M 66 -44 C 78 -22 78 2 70 18" />
+              <path class="yoke-grip-light" d="M -66 -44 C -78 -22 -78 2 -70 18" />
+              <path class="yoke-grip-light" d="M 66 -44 C 78 -22 78 2 70 18" />
               <rect class="yoke-hub" x={-26} y={-12} width={52} height={42} rx={9} />
               <path class="yoke-mark" d="M 0 -9 L -4 -2 H 4 Z" />
             </g>
@@ -170,12 +173,12 @@ export function ViewFromSide({ label, at, target, drawn, onGrab, onDrag, onLetGo
         moving={
           <>
             <path class="yoke-target" d="M 22 36 L 17 27 H 27 Z" style={{ transform: `translateX(${targetX.toFixed(2)}px)` }} />
+            <rect class="yoke-shaft" y={-8} width={1} height={13} style={{ transform: `translateX(${PANEL}px) scaleX(${(x + 10 - PANEL).toFixed(2)})` }} />
             <g class="yoke-wheel" data-view="side" style={{ transform: `translateX(${x.toFixed(2)}px)` }}>
-              <rect class="yoke-shaft" x={-190} y={-8} width={206} height={13} rx={3} />
               <rect class="yoke-hub" x={8} y={-15} width={18} height={27} rx={4} />
               <path class="yoke-rim-edge" d="M 20 -36 C 30 -18 29 2 22 22" />
             </g>
-            <rect class="yoke-panel" x={-117} y={-56} width={20} height={112} rx={4} />
+            <rect class="yoke-panel" x={PANEL - 16} y={-56} width={20} height={112} rx={4} />
             {drawn !== null && <Spring from={[x + 22, -1]} to={[drawn.pull * SIDE_UNITS + 22, -1]} />}
           </>
         }

@@ -79,6 +79,7 @@ function Yoke({ instrument, values, command }: FaceProps): JSX.Element {
   const keys = useRef(new Set<string>());
   const at = placeOf(values, "bank", "pitch");
   const target = placeOf(values, "targetBank", "targetPitch");
+  const standby = numberOf(values, "standby");
   const name = instrument.typeName.trim();
 
   const letGo = () => {
@@ -132,7 +133,7 @@ function Yoke({ instrument, values, command }: FaceProps): JSX.Element {
         <AxisBars values={values} title="Elevator" axis="Pitch" />
         <p class="yoke-notes">
           <span data-note="held">{flagOf(values, "held") ? "A hand is on it" : "Nobody holds it"}</span>
-          <span>Standby after {numberOf(values, "standby")} s</span>
+          <span>{standby > 0 ? `Standby after ${standby} s` : "No standby time"}</span>
           <span>{numberOf(values, "yokeType") === TYPE_WITH_16_SWITCHES ? "16 switches" : "6 switches"}</span>
         </p>
       </div>
