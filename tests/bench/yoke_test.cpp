@@ -81,20 +81,27 @@ TEST_F(YokeUnit, a_hand_moves_it_as_far_as_the_spring_lets_it) {
 TEST_F(YokeUnit, the_shaken_stick_moves_by_about_100_eight_times_a_second) {
     motors_on();
     double lowest = 9999, highest = 0;
-    for (int round = 0; round < 16; ++round) {
+    int upwards = 0;
+    double before = at(Axis::elevator);
+    const auto middle = [&] { return (lowest + highest) / 2; };
+    constexpr int kRounds = 32, kSettled = 8;
+    for (int round = 0; round < kRounds; ++round) {
         for (const int offset : {100, -100, -100}) {
             command(11, 512, 0, 512 + offset, 1150);
             for (int moment = 0; moment < 7; ++moment) {
                 wait(4);
+                const double place = at(Axis::elevator);
+                upwards += round >= kSettled && before < middle() && place >= middle() ? 1 : 0;
+                before = place;
                 if (round > 3) {
-                    lowest = std::min(lowest, at(Axis::elevator));
-                    highest = std::max(highest, at(Axis::elevator));
+                    lowest = std::min(lowest, place);
+                    highest = std::max(highest, place);
                 }
             }
         }
     }
-    EXPECT_GT(highest - lowest, 70);
-    EXPECT_LT(highest - lowest, 280);
+    EXPECT_NEAR(highest - lowest, 120, 35);
+    EXPECT_EQ(upwards, kRounds - kSettled) << "once in 120 ms";
 }
 
 TEST_F(YokeUnit, deadband_threshold_and_a_hand_that_holds) {
