@@ -23,6 +23,7 @@ constexpr int kFirstLedFunction = 51;
 constexpr int kFirstSwitchFunction = 101;
 constexpr int kFirstInputFunction = 151;
 constexpr std::size_t kFrameWithGap = 7;
+constexpr int kTurns = 300'000;
 
 enum class Scene { everything_changes, nothing_changes };
 
@@ -112,7 +113,7 @@ void report(benchmark::State& state, std::vector<double>& times_us, std::uint64_
 template <typename Before, typename Timed, typename After>
 void time_turns(benchmark::State& state, Before&& before, Timed&& timed, After&& after) {
     std::vector<double> times_us;
-    times_us.reserve(4'000'000);
+    times_us.reserve(kTurns);
     std::uint64_t allocated = 0;
     for (int warm_up = 0; warm_up < 100; ++warm_up) {
         before();
@@ -149,9 +150,11 @@ void module_cycle(benchmark::State& state, Scene scene) {
 }
 BENCHMARK_CAPTURE(module_cycle, everything_changes, Scene::everything_changes)
     ->UseManualTime()
+    ->Iterations(kTurns)
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(module_cycle, nothing_changes, Scene::nothing_changes)
     ->UseManualTime()
+    ->Iterations(kTurns)
     ->Unit(benchmark::kMicrosecond);
 
 void module_telegram(benchmark::State& state, Scene scene) {
@@ -167,9 +170,11 @@ void module_telegram(benchmark::State& state, Scene scene) {
 }
 BENCHMARK_CAPTURE(module_telegram, everything_changes, Scene::everything_changes)
     ->UseManualTime()
+    ->Iterations(kTurns)
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(module_telegram, nothing_changes, Scene::nothing_changes)
     ->UseManualTime()
+    ->Iterations(kTurns)
     ->Unit(benchmark::kMicrosecond);
 
 }  // namespace
