@@ -1,11 +1,12 @@
-// How late the 50 ms tick of the demo comes in the whole program, against a bare timerfd loop of another process in the
-// same run.
-// Usage: benchmark_lateness FOLDER SECONDS   (a working folder; simulator and hardware should be there)
+// How late the 50 ms tick of the demo and the 40 ms ticks of its yokes come in the whole program, against a bare
+// timerfd loop of another process in the same run. Usage: benchmark_lateness FOLDER SECONDS   (a working folder;
+// simulator and hardware should be there)
 #include <sys/timerfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -22,6 +23,7 @@ using std::chrono::steady_clock;
 using Micros = std::chrono::duration<double, std::micro>;
 
 constexpr std::chrono::milliseconds kTick{50};
+constexpr std::chrono::milliseconds kYokeTick{40};
 
 void print(const char* what, std::vector<double> late_us) {
     if (late_us.empty()) {
@@ -63,16 +65,29 @@ void run_program(const std::string& folder, int seconds) {
     std::vector<double> late_us;
     late_us.reserve(static_cast<std::size_t>(seconds) * 30);
     const platform::Timer& tick = program.cockpit().run_panel().process_timer();
+    std::vector<double> yokes_late_us;
+    yokes_late_us.reserve(late_us.capacity() * 3);
+    const std::array<const platform::Timer*, 2> yoke_ticks = {&program.cockpit().yoke1().ProcessTimer,
+                                                              &program.cockpit().yoke2().ProcessTimer};
     // Looks halfway between two ticks, so that it sees each of them and is in nobody's way.
     platform::Timer probe(program.loop(), "probe", kTick, [&] {
         if (program.cockpit().run_panel().running()) {
             late_us.push_back(Micros(tick.last_delay()).count());
         }
     });
+    platform::Timer yoke_probe(program.loop(), "yoke probe", kYokeTick, [&] {
+        for (const platform::Timer* const yoke_tick : yoke_ticks) {
+            if (yoke_tick->enabled()) {
+                yokes_late_us.push_back(Micros(yoke_tick->last_delay()).count());
+            }
+        }
+    });
     platform::Timer watch(program.loop(), "watch", std::chrono::milliseconds(1), [&] {
         if (program.cockpit().run_panel().running()) {
             watch.stop();
             program.loop().post_after(kTick * 3 / 2, [&] { probe.start(); });
+            // The yokes start with the run, 40 ms apart from nothing else.
+            program.loop().post_after(kYokeTick * 3 / 2, [&] { yoke_probe.start(); });
             program.loop().post_after(std::chrono::seconds(seconds), [&] { program.cockpit().exit(); });
         }
     });
@@ -80,6 +95,7 @@ void run_program(const std::string& folder, int seconds) {
     program.loop().post_after(std::chrono::seconds(seconds + 30), [&] { program.cockpit().exit(); });
     program.run();
     print("tick of the program", late_us);
+    print("ticks of the yokes", yokes_late_us);
 }
 
 }  // namespace

@@ -67,7 +67,6 @@ frmStatusFFB::frmStatusFFB(const YokeParts& parts, YokeRoles& roles, frmConfigYo
       tables_(parts.tables),
       sim_com_(parts.sim_com),
       panels_(parts.panels),
-      run_panel_(parts.run_panel),
       roles_(roles),
       yokes_{&yoke1, &yoke2} {
     yoke1.set_partner(yoke2);
@@ -247,8 +246,8 @@ void frmStatusFFB::Timer1_Timer() {
 }
 
 void frmStatusFFB::show_yokes() {
-    const auto show = [this](const frmConfigYoke& yoke, panel::TextBox& mode, panel::Indicator& assignment,
-                             panel::Indicator& status, panel::Indicator& motors) {
+    const auto show = [](const frmConfigYoke& yoke, panel::TextBox& mode, panel::Indicator& assignment,
+                         panel::Indicator& status, panel::Indicator& motors) {
         mode.text = kModeTexts[static_cast<std::size_t>(yoke.state().YokeMode)];
         assignment.text = yoke.boxYokeAssignment.text.get();
         assignment.colour = yoke.state().master() ? panel::kRed : panel::kGreen;

@@ -83,7 +83,6 @@ class frmStatusFFB : public panel::Panel, public run::RunParticipant {
     tables::CoreTables& tables_;
     simlink::SimCom& sim_com_;
     panel::PanelHost& panels_;
-    run::frmStatus& run_panel_;
     YokeRoles& roles_;
     std::array<frmConfigYoke*, kYokes> yokes_;
     int OverForceTicks_ = 0;
