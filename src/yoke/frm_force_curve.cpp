@@ -76,11 +76,10 @@ frmForceCurve::frmForceCurve(const platform::Platform& platform, tables::CoreTab
     SliderAirspeed.tool_tip = "The airspeed at the right end of the curve, in hundreds of knots";
     CmdSaveCurve.tool_tip = "Take the drawn curve over; a yoke uses it from its next start on";
     CmdReload.tool_tip = "Draw the curve as it was saved last";
-    std::vector<panel::LayoutNode> speeds(Labelspeed.begin(), Labelspeed.end());
+    // The drawing has the speeds of Labelspeed on its axis.
     set_layout(panel::column({
         panel::row({OptionAilerons, OptionElevator, LabelCaption}),
         PictureCurve,
-        panel::board(kProfilePoints - 1, std::move(speeds)),
         SliderAirspeed,
         panel::row({boxAirspeed, BoxForce}),
         panel::row({CmdReload, CmdSaveCurve, cmdLinear, cmdRedraw, CmdClose}),
@@ -171,9 +170,9 @@ void frmForceCurve::take_input() {
 void frmForceCurve::MouseDown(double X, double Y) {
     selected_.reset();
     for (int point = 1; point <= kLastPoint; ++point) {
-        const tables::ForceCurvePoint& handle = work_copy_[static_cast<std::size_t>(point)];
-        if (std::fabs(static_cast<double>(handle.airspeed) - X) < kReach &&
-            std::fabs(static_cast<double>(handle.force) - Y) < kReach) {
+        const tables::ForceCurvePoint place = drawn_at(point);
+        if (std::fabs(static_cast<double>(place.airspeed) - X) < kReach &&
+            std::fabs(static_cast<double>(place.force) - Y) < kReach) {
             selected_ = point;
         }
     }
@@ -211,6 +210,15 @@ void frmForceCurve::show_selected() {
 // --- Drawing
 // ----------------------------------------------------------------------------------------------------------
 
+// The last handle does not move sideways on the drawing, though its airspeed changes.
+tables::ForceCurvePoint frmForceCurve::drawn_at(int point) const {
+    tables::ForceCurvePoint place = work_copy_[static_cast<std::size_t>(point)];
+    if (point == kLastPoint) {
+        place.airspeed = kCurveRight;
+    }
+    return place;
+}
+
 // For the widget: the maximum airspeed and the present one in knots, the selected handle (0 = none), then the places of
 // the points; those of handles 1 to 10 are where their handles are drawn from.
 void frmForceCurve::draw() {
@@ -219,10 +227,8 @@ void frmForceCurve::draw() {
     data_ = std::to_string(SliderAirspeed.value * 100) + " " + std::to_string(airspeed) + " " +
             std::to_string(selected_.value_or(0));
     for (int point = 0; point <= kLastPoint; ++point) {
-        const tables::ForceCurvePoint& place = work_copy_[static_cast<std::size_t>(point)];
-        // The last handle does not move sideways.
-        const double x = point == kLastPoint ? kCurveRight : static_cast<double>(place.airspeed);
-        data_ += " " + support::shortest(x) + "," + support::shortest(static_cast<double>(place.force));
+        const tables::ForceCurvePoint place = drawn_at(point);
+        data_ += " " + support::shortest(place.airspeed) + "," + support::shortest(place.force);
     }
     PictureCurve.text = data_;
 }

@@ -59,6 +59,7 @@ class frmForceCurve : public panel::Panel {
     void cmdRedraw_Click();
     void show_speeds();
     void show_selected();
+    tables::ForceCurvePoint drawn_at(int point) const;
     void draw();
     void show_present_airspeed();
     tables::ForceCurve& table();

@@ -133,10 +133,10 @@ void frmStatusFFB::arrange() {
     set_layout(panel::column({
         row({BoxRun, BoxCurrentConfig, cmdRun, cmdStop, cmdSaveLoad, cmdHide}),
         frame("Yoke 1",
-              {row({boxStatusY1, boxAssignmentY1, boxY1Mode}), boxMotorsY1, row({cmdSetYoke1Master, cmdShowY1}),
+              {row({boxStatusY1, boxAssignmentY1}), boxY1Mode, boxMotorsY1, row({cmdSetYoke1Master, cmdShowY1}),
                CheckMasterAtStartupY1, row({ComboSlaveToMasterY1, ComboMasterToSlaveY1})}),
         frame("Yoke 2",
-              {row({boxStatusY2, boxAssignmentY2, boxY2Mode}), boxMotorsY2, row({cmdSetYoke2Master, CmdShowY2}),
+              {row({boxStatusY2, boxAssignmentY2}), boxY2Mode, boxMotorsY2, row({cmdSetYoke2Master, CmdShowY2}),
                CheckMasterAtStartupY2, row({ComboSlaveToMasterY2, ComboMasterToSlaveY2})}),
         frame("Hand over", {CheckAutoSwitch, SliderAutoSwichForce, SliderOverruleTimeAutoswitch}),
     }));

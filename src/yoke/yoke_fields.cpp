@@ -167,24 +167,25 @@ LayoutNode YokeFields::yoke_layout() {
     });
 }
 
+// Ailerons stand at the left, the elevator at the right.
 LayoutNode YokeFields::run_tab() {
     return frame(
         "Flight",
         {frame("Mode", {row({OptionCentre, OptionFFB, OptionFollowAPmode, OptionServoMode, OptionOff}),
                         board(4, {BoxCenterActive, boxFFBactive, boxFollowAPActive, boxServoActive}),
-                        row({cmdSetMaster, cmdSetSlave, cmdCopySettingsYoke2, cmdSaveLoad})}),
-         frame("Yoke",
-               {row({boxBank, boxPitch, boxBankForce, boxPitchForce}), board(2, {boxStandbyBank, boxStandbyPitch}),
-                row({boxUpdatesPerSecond, ReceivedMessage, ProgressIndicator}),
-                board(kYokeSwitches / 2, {SwitchIndicator.begin(), SwitchIndicator.end()})}),
-         frame("Simulator", {row({boxAirspeed, boxFSAilerons, boxFSElevator, boxTrimValue}),
-                             row({boxFSAileronsTrim, boxFSElevatorTrim, boxCenterAilerons, BoxCenterElevator}),
+                        row({cmdSetMaster, cmdSetSlave, cmdSaveLoad}), row({cmdCopySettingsYoke2})}),
+         frame("Yoke", {row({boxBank, boxPitch}), row({boxBankForce, boxPitchForce}),
+                        board(2, {boxStandbyBank, boxStandbyPitch}),
+                        row({boxUpdatesPerSecond, ReceivedMessage, ProgressIndicator}),
+                        board(kYokeSwitches / 2, {SwitchIndicator.begin(), SwitchIndicator.end()})}),
+         frame("Simulator", {row({boxAirspeed, boxTrimValue}), row({boxFSAilerons, boxFSElevator}),
+                             row({boxFSAileronsTrim, boxFSElevatorTrim}), row({boxCenterAilerons, BoxCenterElevator}),
                              board(4, {boxAPMasterSwitch, boxAutoHeading, boxAutoAltitude, StallWarningIndicator,
                                        OverspeedWarningIndicator, IndicatorReadAilerons, IndicatorReadElevator,
                                        IndicatorWriteAilerons, IndicatorWriteElevator, IndicatorReadAileronsTrim,
                                        IndicatorReadElevatorTrim})}),
-         frame("Forces", {row({BoxAileronsPosition, boxElevatorPosition, BoxCurveAilerons, boxCurveElevator}),
-                          row({boxBankTurbulence, boxPitchTurbulence, boxFFBSetBankForce, boxFFBSetPitchForce}),
+         frame("Forces", {row({BoxAileronsPosition, boxElevatorPosition}), row({BoxCurveAilerons, boxCurveElevator}),
+                          row({boxBankTurbulence, boxPitchTurbulence}), row({boxFFBSetBankForce, boxFFBSetPitchForce}),
                           row({boxServoYokePositionAilerons, boxServoYokePositionElevator}),
                           board(3, {boxServoFollowAP, boxServoFollowSimulator, boxServoFollowMaster})})});
 }

@@ -1,7 +1,7 @@
 // The page alone, with a scripted program behind it: drawing, input, boxes, and what it shows when the program goes.
 import { equal, holds, until } from "./case_runner.mjs";
 import { openPage, sizes } from "./browser.mjs";
-import { everyKind, ioPanel, portPanel, runPanel, startPanel } from "./sample_panels.mjs";
+import { curvePanel, everyKind, ioPanel, portPanel, runPanel, startPanel } from "./sample_panels.mjs";
 import { address, control, ScriptedProgram } from "./scripted_program.mjs";
 
 async function open(browser, panels, size) {
@@ -283,6 +283,27 @@ async function every_field_has_a_name({ page }) {
 }
 
 // Each case, and the panels that are open when it begins.
+async function a_force_curve_is_dragged_and_moved_with_the_keys({ page, program }) {
+  const handle = page.locator('[data-handle="3"]');
+  equal(await handle.getAttribute("aria-valuetext"), "60 knots, 30 percent", "what the handle says");
+  const said = (text) => ({ type: "control", panel: "frmForceCurve", control: "PictureCurve", event: "change", text });
+  await handle.focus();
+  await page.keyboard.press("ArrowUp");
+  await expectHeard(program, said("down 3800 4000"), said("move 3800 3950"), said("up"));
+  const from = await handle.boundingBox();
+  const top = await page.locator('[data-handle="10"]').boundingBox();
+  const middle = ({ x, y, width, height }) => [x + width / 2, y + height / 2];
+  await page.mouse.move(...middle(from));
+  await page.mouse.down();
+  await page.mouse.move(...middle(top));
+  await page.mouse.up();
+  await until(() => program.heard.at(-1)?.text === "up", "the end of the drag");
+  const texts = heard(program).map((message) => message.text);
+  equal([texts[0], texts.at(-1)], ["down 3800 4000", "up"], "begin and end of the drag");
+  const [, x, y] = texts.at(-2).split(" ").map(Number);
+  holds(Math.abs(x - 10800) < 60 && Math.abs(y - 500) < 60, `it ends at ${x} ${y}`);
+}
+
 const cases = [
   [every_kind_of_control_shows_and_acts, [everyKind()]],
   [a_field_keeps_what_is_typed_and_then_shows_what_the_program_made_of_it, [everyKind()]],
@@ -293,6 +314,7 @@ const cases = [
   [a_lost_connection_is_shown_at_once_and_mends_itself, [runPanel()]],
   [a_program_that_falls_silent_is_shown_within_three_seconds, [runPanel()]],
   [minimised_panels_wait_in_the_task_bar, [runPanel(), portPanel()]],
+  [a_force_curve_is_dragged_and_moved_with_the_keys, [curvePanel()]],
   [a_board_keeps_its_columns_and_is_silent_when_minimised, [ioPanel()]],
   [before_a_modal_panel_the_others_rest, [runPanel(), everyKind({ modal: true })]],
   [column_headings_stand_above_their_columns, [portPanel()]],

@@ -101,6 +101,14 @@ export function portPanel() {
 }
 
 // Lamps and levels in boards.
+// A linear force curve up to 200 knots, with the aircraft at 90.
+export function curvePanel() {
+  const points = Array.from({ length: 11 }, (_, k) => `${800 + 1000 * k},${5500 - 500 * k}`);
+  return panel("frmForceCurve", "Force curves", column("PictureCurve"), [
+    control("picture", "PictureCurve", { widget: "force_curve", text: ["200", "90", "0", ...points].join(" ") }),
+  ]);
+}
+
 export function ioPanel(more = {}) {
   const label = (number) => "ABCDEF"[Math.floor(number / 8)] + ((number % 8) + 1);
   const all = (count, make) => Array.from({ length: count }, (_, index) => make(index));

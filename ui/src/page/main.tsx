@@ -9,6 +9,7 @@ import type { PageMessage, WindowInfo } from "./protocol";
 import type { PageState, PanelState } from "./state";
 import "./page.css";
 import "./board.css";
+import "./force_curve.css";
 
 type Send = (message: PageMessage) => void;
 
