@@ -117,7 +117,7 @@ void frmConfigYoke::cmdRun_Click() {
     yoke_.ForceRamp = 0;
     ProcessTimer.start();
     SwichPowerOffTimer.start();
-    cmdTestButtonOff_Click();
+    end_button_test();
     show_port();
 }
 

@@ -158,6 +158,7 @@ class frmConfigYoke : public panel::Panel, public YokeFields, public bus::PortOw
     bool link_okay_for_test();
     void cmdTestButtonOn_Click();
     void cmdTestButtonOff_Click();
+    void end_button_test();
     void TimerVirtualButton_Timer();
     void CmdStartCalibration_Click();
     void CalibrationTimer_Timer();

@@ -178,10 +178,13 @@ void frmConfigYoke::cmdTestButtonOn_Click() {
 }
 
 void frmConfigYoke::cmdTestButtonOff_Click() {
-    // A start comes here too; without a test going on there is nothing to end and nothing to tell.
-    if (!TimerVirtualButton.enabled() && !running_ && !link_okay_for_test()) {
-        return;
+    if (link_okay_for_test()) {
+        end_button_test();
     }
+}
+
+// A start comes here too, with the simulator there or not.
+void frmConfigYoke::end_button_test() {
     boxJoystickButtonTest.colour = panel::kGreen;
     sim_com_.FfbJoystickButtons = 0;
     TimerVirtualButton.stop();

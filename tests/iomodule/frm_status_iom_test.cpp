@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "iomodule/switch_setup.h"
 #include "tests/iomodule/iom_world.h"
 
 namespace {
@@ -371,6 +372,40 @@ TEST(IomCommands, single_ones_go_out_one_after_the_other_while_halted) {
     world.start();
     world.gauge_bus.SendGauge(1000, 10, 1);
     EXPECT_EQ(world.take_leds(), Commands{}) << "a run sends no single commands";
+}
+
+TEST(IomCommands, debounce_time_and_test_switch_are_told_to_the_module_alone) {
+    IomWorld world;
+    world.status.RefreshConfig();
+    iomodule::SwitchSetup setup(world.machine.boxes, world.gauge_bus);
+    struct Case {
+        const char* text;
+        int time;  // -1 = refused
+    };
+    for (const Case& one :
+         {Case{"3", 3}, Case{"20", 20}, Case{"21", -1}, Case{"-1", -1}, Case{"5 ms", 5}, Case{"x", 0}}) {
+        world.line1.written.clear();
+        world.machine.boxes.forget_shown();
+        setup.cmdSetDebounceTime(1000, one.text);
+        world.advance(20);
+        if (one.time < 0) {
+            EXPECT_EQ(world.last_shown(), "A debounce time must be between 0 and 20") << one.text;
+            EXPECT_EQ(world.line1.written, "");
+        } else {
+            EXPECT_EQ(setup.DebounceTime, one.time);
+            EXPECT_EQ(world.take_commands(world.line1), (Commands{{14, one.time * 257}})) << one.text;
+        }
+    }
+    tables::IomRow& row = world.add_switch(7, 10);
+    setup.CmdSetAsTestSwitch(1000, 7, &row);
+    world.advance(20);
+    EXPECT_EQ(world.take_commands(world.line1), (Commands{{9, 8}}));
+    EXPECT_EQ(world.last_shown(), "Switch is cleared and cannot be used for other functions");
+    EXPECT_EQ(row.IomDeviceId, 0);
+    setup.CmdResetAsTestswitch(1000, nullptr);
+    world.advance(20);
+    EXPECT_EQ(world.take_commands(world.line1), (Commands{{9, 0}}));
+    EXPECT_EQ(world.last_shown(), "Switch can be used to assign function (again).");
 }
 
 }  // namespace
