@@ -3,8 +3,10 @@
 #include <utility>
 #include <vector>
 
+#include "bus/port_lamp.h"
 #include "panel/layout.h"
 #include "run/plate_lookup.h"
+#include "run/run_lamp.h"
 #include "support/number_format.h"
 
 namespace cluster {
@@ -132,29 +134,15 @@ void frmStatusEC::show_functions() {
 }
 
 void frmStatusEC::show_port() {
-    if (!hasPort()) {
-        boxPort.text = "None";
-        boxPort.colour = panel::kDefaultColour;
-        return;
-    }
-    const bool connected = MSComm1_->connected();
-    const char* const state = !MSComm1_->is_open() ? " closed" : connected ? " open" : " unplugged";
-    boxPort.text = "COM" + std::to_string(tables_.ClusterPort) + state;
-    boxPort.colour = connected ? panel::kGreen : panel::kRed;
+    bus::show_port(boxPort, *MSComm1_, tables_.ClusterPort);
 }
 
 void frmStatusEC::show_running() {
-    BoxRun.text = "Running";
-    BoxRun.colour = panel::kRed;
-    cmdRun.enabled = false;
-    cmdStop.enabled = true;
+    run::show_running(BoxRun, cmdRun, cmdStop);
 }
 
 void frmStatusEC::show_halted() {
-    BoxRun.text = "Halted";
-    BoxRun.colour = panel::kGreen;
-    cmdRun.enabled = true;
-    cmdStop.enabled = false;
+    run::show_halted(BoxRun, cmdRun, cmdStop);
 }
 
 void frmStatusEC::show_reply() {

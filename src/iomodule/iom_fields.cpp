@@ -2,10 +2,12 @@
 
 #include <vector>
 
+#include "bus/port_lamp.h"
 #include "iomodule/frm_status_iom.h"
 #include "iomodule/iom_rows.h"
 #include "iomodule/switch_action.h"
 #include "panel/layout.h"
+#include "run/run_lamp.h"
 #include "simlink/keystrokes.h"
 
 namespace iomodule {
@@ -114,30 +116,16 @@ void frmStatusIOM::show_assignments() {
 }
 
 void frmStatusIOM::show_running() {
-    BoxRun.text = "Running";
-    BoxRun.colour = panel::kRed;
-    cmdRun.enabled = false;
-    cmdStop.enabled = true;
+    run::show_running(BoxRun, cmdRun, cmdStop);
 }
 
 void frmStatusIOM::show_halted() {
-    BoxRun.text = "Halted";
-    BoxRun.colour = panel::kGreen;
-    cmdRun.enabled = true;
-    cmdStop.enabled = false;
+    run::show_halted(BoxRun, cmdRun, cmdStop);
     show_reply();
 }
 
 void frmStatusIOM::show_port() {
-    if (!hasPort()) {
-        boxPort.text = "None";
-        boxPort.colour = panel::kDefaultColour;
-        return;
-    }
-    const bool connected = MSComm1_->connected();
-    const char* const state = !MSComm1_->is_open() ? " closed" : connected ? " open" : " unplugged";
-    boxPort.text = "COM" + std::to_string(port_number()) + state;
-    boxPort.colour = connected ? panel::kGreen : panel::kRed;
+    bus::show_port(boxPort, *MSComm1_, port_number());
 }
 
 void frmStatusIOM::show_reply() {

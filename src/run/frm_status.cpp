@@ -5,6 +5,7 @@
 
 #include "panel/layout.h"
 #include "run/instrument_table.h"
+#include "run/run_lamp.h"
 #include "support/number_format.h"
 #include "support/steps.h"
 #include "tables/configuration_store.h"
@@ -184,17 +185,11 @@ void frmStatus::show_configuration() {
 }
 
 void frmStatus::show_running() {
-    BoxRun.text = "Running";
-    BoxRun.colour = panel::kRed;
-    cmdRun.enabled = false;
-    cmdStop.enabled = true;
+    run::show_running(BoxRun, cmdRun, cmdStop);
 }
 
 void frmStatus::show_halted() {
-    BoxRun.text = "Halted";
-    BoxRun.colour = panel::kGreen;
-    cmdRun.enabled = true;
-    cmdStop.enabled = false;
+    run::show_halted(BoxRun, cmdRun, cmdStop);
 }
 
 void frmStatus::cmdRun_Click() {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "bus/port_lamp.h"
 #include "support/failure.h"
 #include "support/rounding.h"
 #include "yoke/frm_config_yoke.h"
@@ -199,15 +200,7 @@ void frmConfigYoke::SwichPowerOffTimer_Timer() {
 }
 
 void frmConfigYoke::show_port() {
-    if (!hasPort()) {
-        ComPortNr.text = "None";
-        ComPortNr.colour = panel::kDefaultColour;
-        return;
-    }
-    const bool connected = MSComm1_->connected();
-    const char* const state = !MSComm1_->is_open() ? " closed" : connected ? " open" : " unplugged";
-    ComPortNr.text = "COM" + std::to_string(tables_.*traits_.port) + state;
-    ComPortNr.colour = connected ? panel::kGreen : panel::kRed;
+    bus::show_port(ComPortNr, *MSComm1_, tables_.*traits_.port);
 }
 
 // --- May the motors push?
