@@ -72,8 +72,8 @@ constexpr bool switch_on(std::string_view switch_bytes, int number) {
 // What the analogue bytes of a telegram say of input 0..7: 12 bits, of which potentiometers use 0 to 1023.
 constexpr std::int16_t analogue_value(std::string_view analogue_bytes, int number) {
     const auto nibbles = static_cast<unsigned char>(analogue_bytes[static_cast<std::size_t>(number / 2)]);
-    const auto low = static_cast<unsigned char>(
-        analogue_bytes[static_cast<std::size_t>(kFirstAnalogueLowByte - kFirstAnalogueByte + number)]);
+    constexpr std::size_t kFirstLow = kFirstAnalogueLowByte - kFirstAnalogueByte;
+    const auto low = static_cast<unsigned char>(analogue_bytes[kFirstLow + static_cast<std::size_t>(number)]);
     const int high = number % 2 == 0 ? nibbles >> 4 : nibbles & 15;
     return static_cast<std::int16_t>(high * 256 + low);
 }

@@ -45,6 +45,7 @@ std::string switch_text(const tables::CoreTables& tables, const tables::IomRow& 
 template <typename Controls>
 panel::LayoutNode board_of(Controls& controls) {
     std::vector<panel::LayoutNode> lamps;
+    lamps.reserve(controls.size());
     for (auto& control : controls) {
         lamps.emplace_back(control);
     }

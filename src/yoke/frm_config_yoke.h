@@ -56,7 +56,9 @@ class frmConfigYoke : public panel::Panel, public YokeFields, public bus::PortOw
     // The other yoke; set once, before anything runs.
     void set_partner(frmConfigYoke& partner) { partner_ = &partner; }
 
-    bool hasPort() const { return tables_.*traits_.port > 0; }
+    bool hasPort() const {  // NOLINT(readability-identifier-naming): the system's own word
+        return tables_.*traits_.port > 0;
+    }
     bool running() const { return running_; }
     const YokeState& state() const { return yoke_; }
 

@@ -108,6 +108,7 @@ class YokeFields {
     panel::CheckBox CheckForceLimit{owner_, "CheckForceLimit", "Maximum force follows the profile"};
     panel::CheckBox CheckStickShakerAtOverspeed{owner_, "CheckStickShakerAtOverspeed", "Stick shaker at overspeed"};
     panel::CheckBox CheckStickShakerAtStall{owner_, "CheckStickShakerAtStall", "Stick shaker at stall"};
+    // NOLINTNEXTLINE(readability-identifier-naming): the system's own word
     panel::CheckBox CheckAutoSwitchFFB_AP{owner_, "CheckAutoSwitchFFB_AP",
                                           "Switch between FFB and Follow AP with the autopilot"};
     panel::CheckBox CheckEnableAPOverrule{owner_, "CheckEnableAPOverrule", "Pilot can overrule the autopilot"};
