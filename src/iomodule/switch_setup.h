@@ -24,6 +24,7 @@ class SwitchSetup {
 
     // Takes the number at the head of a text, 0 for a text without one. Shows a message, and does nothing else, when it
     // is not 0 to 20.
+    // NOLINTNEXTLINE(readability-identifier-naming): the system's own word
     void cmdSetDebounceTime(int device_id, const std::string& boxDebounceTime);
     // Makes a switch (0..47) the one that lights all LEDs; it can do nothing else then, so its row, if it has one, is
     // cleared. Shows a message.
