@@ -58,7 +58,9 @@ struct Watched {
             expects_rise = false;
         } else if (command.command == yoke::kCommandForceLimits) {
             expect(command.values[0] <= yoke::kFullForce && command.values[2] <= yoke::kFullForce, command);
-            expect(panel.state().YokeMode != yoke::kOff || command.values[0] + command.values[2] == 0, command);
+            // A mode chosen while the command was on the line has a start of its own to come.
+            const bool off = panel.state().YokeMode == yoke::kOff && panel.state().StartupStep == 0;
+            expect(!off || command.values[0] + command.values[2] == 0, command);
         } else if (command.command == yoke::kCommandDeadbands) {
             expects_rise = true;  // a start: the next run command has nothing of a force yet
             ++starts;
