@@ -26,8 +26,9 @@ constexpr int kHasDisplay = 1;
 // The points of a plate in ascending order; minimum and maximum alone when it has no others.
 std::vector<ScalePoint> scale_of(const tables::Plate& plate) {
     std::vector<ScalePoint> points;
-    const int last =
-        std::min(tables::kFirstPlatePoint + static_cast<int>(plate.PlateValue[1]), tables::kLastPlatePoint);
+    // Any number may stand in a file; one that is none has no points.
+    const double count = plate.PlateValue[1] > 0 ? std::min(plate.PlateValue[1], 1.0 * tables::kStoredPlateItems) : 0;
+    const int last = std::min(tables::kFirstPlatePoint + static_cast<int>(count), tables::kLastPlatePoint);
     for (int item = tables::kFirstPlatePoint; item <= last; ++item) {
         const auto index = static_cast<std::size_t>(item);
         if (points.empty() || plate.PlateValue[index] > points.back().value) {

@@ -146,7 +146,7 @@ export function ForceCurve({ control, act }: { control: Control; act: Act }): JS
               cx={point.x}
               cy={point.y}
               r={130}
-              tabIndex={0}
+              tabindex={0}
               role="slider"
               aria-label={`Point ${number}`}
               aria-valuemin={0}
