@@ -6,6 +6,7 @@
 #include <string>
 
 #include "bench/bench_program.h"
+#include "platform/log_line.h"
 #include "platform/posix/line_input.h"
 #include "platform/posix/posix_machine.h"
 #include "support/failure.h"
@@ -19,7 +20,7 @@ void say(const std::string& text) {
 }
 
 void log(const std::string& text) {
-    std::fprintf(stderr, "bench: %s\n", platform::posix::log_line(text).c_str());
+    std::fprintf(stderr, "bench: %s\n", platform::log_line(text).c_str());
 }
 
 void run() {

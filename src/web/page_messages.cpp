@@ -35,7 +35,7 @@ std::string text_of(const json::object& message, std::string_view key, std::size
     if (text.size() > 3 * longest) {
         throw Refusal{std::string(key) + " is too long"};
     }
-    std::string decoded = from_utf8(std::string_view(text.data(), text.size()));
+    std::string decoded = support::from_utf8(std::string_view(text.data(), text.size()));
     if (decoded.size() > longest) {
         throw Refusal{std::string(key) + " is too long"};
     }

@@ -157,7 +157,7 @@ void append_text(std::string& out, std::string_view windows_1252) {
             out += kHex[byte >> 4];
             out += kHex[byte & 15U];
         } else {
-            append_utf8(out, windows_1252.substr(at, 1));
+            support::append_utf8(out, windows_1252.substr(at, 1));
         }
     }
     out += '"';

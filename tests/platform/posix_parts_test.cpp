@@ -7,7 +7,8 @@
 #include <boost/asio/steady_timer.hpp>
 #include <csignal>
 
-#include "platform/posix/output_queue.h"
+#include "platform/log_line.h"
+#include "platform/output_queue.h"
 #include "platform/posix/parmrk_decoder.h"
 #include "platform/posix/posix_loop.h"
 #include "platform/posix/posix_machine.h"
@@ -19,7 +20,7 @@ namespace {
 using platform::Milliseconds;
 using platform::SerialEvent;
 using platform::Timer;
-using platform::posix::OutputQueue;
+using platform::OutputQueue;
 using platform::posix::ParmrkDecoder;
 using platform::posix::PosixLoop;
 
@@ -78,7 +79,7 @@ TEST(OutputQueue, the_oldest_whole_blocks_go_when_no_more_fits_and_a_begun_block
 }
 
 TEST(LogLine, a_line_of_the_log_stays_one_line_of_plain_text) {
-    EXPECT_EQ(platform::posix::log_line("Error 9\r\nGo on?\x1B[2J\t\x9Cz"), "Error 9 / Go on?\\x1B[2J\\x09\\x9Cz");
+    EXPECT_EQ(platform::log_line("Error 9\r\nGo on?\x1B[2J\t\x9Cz"), "Error 9 / Go on?\\x1B[2J\\x09\\x9Cz");
 }
 
 double processor_seconds() {

@@ -94,8 +94,8 @@ TEST(Windows1252, every_byte_comes_back_as_it_went) {
     for (int byte = 0; byte < 256; ++byte) {
         all.push_back(static_cast<char>(byte));
     }
-    EXPECT_EQ(web::from_utf8(web::to_utf8(all)), all);
-    EXPECT_EQ(web::to_utf8("\x80 \x99 \xB0 \xFC"), "€ ™ ° ü");
+    EXPECT_EQ(support::from_utf8(support::to_utf8(all)), all);
+    EXPECT_EQ(support::to_utf8("\x80 \x99 \xB0 \xFC"), "€ ™ ° ü");
 }
 
 TEST(Windows1252, what_it_does_not_have_becomes_a_question_mark) {
@@ -111,7 +111,7 @@ TEST(Windows1252, what_it_does_not_have_becomes_a_question_mark) {
         {"\xE2\x82", "??"},
     };
     for (const Case& each : cases) {
-        EXPECT_EQ(web::from_utf8(each.utf8), each.bytes) << each.utf8;
+        EXPECT_EQ(support::from_utf8(each.utf8), each.bytes) << each.utf8;
     }
 }
 

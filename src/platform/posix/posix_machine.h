@@ -1,7 +1,6 @@
 #pragma once
 
 #include <random>
-#include <string>
 
 #include "platform/random.h"
 #include "platform/wall_clock.h"
@@ -20,8 +19,5 @@ class PosixRandom : public Random {
   private:
     std::random_device device_;
 };
-
-// A line for standard error: the text with its line breaks as " / " and other control characters as \xNN.
-std::string log_line(const std::string& text);
 
 }  // namespace platform::posix

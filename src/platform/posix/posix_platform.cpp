@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "platform/log_line.h"
+
 namespace platform::posix {
 
 namespace {

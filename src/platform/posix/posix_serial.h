@@ -7,7 +7,7 @@
 
 #include "platform/buffered_serial_port.h"
 #include "platform/line_settings.h"
-#include "platform/posix/output_queue.h"
+#include "platform/output_queue.h"
 #include "platform/posix/parmrk_decoder.h"
 #include "platform/posix/posix_loop.h"
 #include "platform/posix/system_failure.h"

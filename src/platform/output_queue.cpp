@@ -1,8 +1,8 @@
-#include "platform/posix/output_queue.h"
+#include "platform/output_queue.h"
 
 #include "support/failure.h"
 
-namespace platform::posix {
+namespace platform {
 
 void OutputQueue::add(std::string_view block) {
     if (block.size() > kLimit) {
@@ -44,4 +44,4 @@ void OutputQueue::clear() {
     begun_ = 0;
 }
 
-}  // namespace platform::posix
+}  // namespace platform

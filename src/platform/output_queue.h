@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace platform::posix {
+namespace platform {
 
 // Written blocks that a line has not taken yet, 16 KiB at most (four seconds at 38400 baud). When another block does
 // not fit, the oldest ones go, whole: the line never carries a part of a frame, and what is new matters more than what
@@ -34,4 +34,4 @@ class OutputQueue {
     std::uint64_t dropped_blocks_ = 0;
 };
 
-}  // namespace platform::posix
+}  // namespace platform

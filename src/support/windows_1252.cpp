@@ -1,11 +1,11 @@
-#include "web/windows_1252.h"
+#include "support/windows_1252.h"
 
 #include <array>
 #include <cstdint>
 
 #include "support/bytes.h"
 
-namespace web {
+namespace support {
 
 namespace {
 
@@ -50,7 +50,7 @@ std::uint32_t smallest_of(std::size_t length) {
 
 void append_utf8(std::string& out, std::string_view windows_1252) {
     for (std::size_t at = 0; at < windows_1252.size(); ++at) {
-        const unsigned byte = support::byte_at(windows_1252, at);
+        const unsigned byte = byte_at(windows_1252, at);
         const unsigned character = byte >= 128 && byte < 160 ? kHighControls[byte - 128] : byte;
         if (character < 0x80) {
             out.push_back(static_cast<char>(character));
@@ -75,7 +75,7 @@ std::string from_utf8(std::string_view utf8) {
     std::string out;
     std::size_t at = 0;
     while (at < utf8.size()) {
-        const unsigned first = support::byte_at(utf8, at);
+        const unsigned first = byte_at(utf8, at);
         const std::size_t length = sequence_length(first);
         if (length == 0 || at + length > utf8.size()) {
             out.push_back('?');
@@ -85,7 +85,7 @@ std::string from_utf8(std::string_view utf8) {
         std::uint32_t character = length == 1 ? first : first & (0xFFU >> (length + 1));
         bool good = true;
         for (std::size_t next = 1; next < length; ++next) {
-            const unsigned byte = support::byte_at(utf8, at + next);
+            const unsigned byte = byte_at(utf8, at + next);
             good = good && (byte & 0xC0U) == 0x80U;
             character = (character << 6) | (byte & 0x3FU);
         }
@@ -96,4 +96,4 @@ std::string from_utf8(std::string_view utf8) {
     return out;
 }
 
-}  // namespace web
+}  // namespace support

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace web {
+namespace support {
 
 // Texts of the tables and panels are bytes of Windows-1252; the page speaks UTF-8. The five bytes that the character
 // set leaves open become the control characters of the same number, so that every byte comes back as it went.
@@ -12,4 +12,4 @@ std::string to_utf8(std::string_view windows_1252);
 // Characters that Windows-1252 does not have, and bytes that are no UTF-8, become '?'.
 std::string from_utf8(std::string_view utf8);
 
-}  // namespace web
+}  // namespace support

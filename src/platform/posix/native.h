@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/posix/line_input.h"
+#include "platform/posix/posix_instance_lock.h"
+#include "platform/posix/posix_platform.h"
+#include "platform/posix/posix_sim_server.h"
+
+namespace platform::native {
+
+using InstanceLock = posix::PosixInstanceLock;
+using LineInput = posix::LineInput;
+using Loop = posix::PosixLoop;
+using MachinePlatform = posix::PosixPlatform;
+using SimServer = posix::PosixSimServer;
+using WallClock = posix::PosixWallClock;
+
+}  // namespace platform::native

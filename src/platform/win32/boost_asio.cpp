@@ -1,0 +1,2 @@
+// Asio is compiled here, once for the program.
+#include <boost/asio/impl/src.hpp>
