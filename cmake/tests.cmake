@@ -23,7 +23,7 @@ foreach(folder ${test_folders})
       # The tests' own code need not be fast, and is compiled in half the time.
       target_compile_options(tests_${name} PRIVATE $<$<CONFIG:Release>:-O1>)
       if(name MATCHES "^(platform|web|bench|simhost|app)$")
-        target_link_libraries(tests_${name} PRIVATE cockpit_web cockpit_posix bench_core)
+        target_link_libraries(tests_${name} PRIVATE cockpit_web bench_core)
       endif()
       add_test(NAME ${name} COMMAND tests_${name} --gtest_brief=1)
     endif()

@@ -5,8 +5,8 @@
 #include <exception>
 #include <string>
 
+#include "app/native.h"
 #include "app/program.h"
-#include "platform/posix/posix_instance_lock.h"
 #include "support/failure.h"
 
 namespace {
@@ -21,7 +21,7 @@ int tell_of_other(const platform::InstanceLock& lock) {
 }
 
 int run_program() {
-    platform::posix::PosixInstanceLock lock(kWorkingFolder);
+    platform::native::InstanceLock lock(kWorkingFolder);
     bool locked = false;
     try {
         locked = lock.acquire();

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "app/cockpit.h"
-#include "platform/posix/posix_platform.h"
+#include "app/native.h"
 #include "web/http_server.h"
 #include "web/presenter.h"
 
@@ -23,12 +23,12 @@ class Program {
     void run();
 
     Cockpit& cockpit() { return cockpit_; }
-    platform::posix::PosixLoop& loop() { return platform_.loop; }
+    platform::native::Loop& loop() { return platform_.loop; }
 
   private:
     void await_second_signal();
 
-    platform::posix::PosixPlatform platform_;
+    platform::native::MachinePlatform platform_;
     Cockpit cockpit_;
     web::HttpServer server_;
     web::Presenter presenter_;

@@ -6,7 +6,7 @@
 #include <limits>
 #include <optional>
 
-#include "web/windows_1252.h"
+#include "support/windows_1252.h"
 
 namespace web {
 

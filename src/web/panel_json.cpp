@@ -4,7 +4,7 @@
 #include <charconv>
 
 #include "support/bytes.h"
-#include "web/windows_1252.h"
+#include "support/windows_1252.h"
 
 namespace web {
 

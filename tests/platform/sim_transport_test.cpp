@@ -23,7 +23,7 @@ namespace {
 using platform::SimTransport;
 using platform::posix::PosixLoop;
 using platform::posix::PosixSimServer;
-using platform::posix::ServerFault;
+using platform::ServerFault;
 
 constexpr std::uint32_t kMappingSize = 32768;
 
@@ -127,7 +127,7 @@ class PosixTransportRig : public TransportRig {
     void stop_server() override { server_.stop(); }
     void set_answers(Answers answers) override {
         server_.do_there(
-            [&] { server_.server().fault = answers == Answers::never ? ServerFault::silent : ServerFault::none; });
+            [&] { server_.server().set_fault(answers == Answers::never ? ServerFault::silent : ServerFault::none); });
     }
     int answered() override {
         int count = 0;
@@ -383,14 +383,14 @@ TEST(PosixSimServer, a_late_answer_is_dropped_and_only_the_latest_send_is_answer
     const Link link(rig.transport());
     std::uint32_t reply = 0;
     link.block[1] = 3;
-    rig.server().do_there([&] { rig.server().server().answer_delay = Milliseconds(60); });
+    rig.server().do_there([&] { rig.server().server().set_answer_delay(Milliseconds(60)); });
     EXPECT_FALSE(link.send(reply, 10)) << "answered too late";
     EXPECT_FALSE(link.send(reply, 10)) << "answered too late";
     ASSERT_TRUE(link.send(reply));
     EXPECT_EQ(reply, 3U);
     EXPECT_EQ(link.block[0], 1) << "one answer for three sends";
     rig.server().do_there([&] { rig.server().server().close_connections(); });
-    rig.server().do_there([&] { rig.server().server().answer_delay = platform::Duration::zero(); });
+    rig.server().do_there([&] { rig.server().server().set_answer_delay(platform::Duration::zero()); });
     EXPECT_FALSE(link.send(reply)) << "the connection has gone";
     EXPECT_TRUE(link.send(reply)) << "and is made again";
 }

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "web/windows_1252.h"
+#include "support/windows_1252.h"
 
 namespace {
 

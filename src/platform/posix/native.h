@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/posix/line_input.h"
+#include "platform/posix/line_server.h"
 #include "platform/posix/posix_instance_lock.h"
 #include "platform/posix/posix_platform.h"
 #include "platform/posix/posix_sim_server.h"
@@ -13,5 +14,9 @@ using Loop = posix::PosixLoop;
 using MachinePlatform = posix::PosixPlatform;
 using SimServer = posix::PosixSimServer;
 using WallClock = posix::PosixWallClock;
+
+inline int standard_input() {
+    return 0;
+}
 
 }  // namespace platform::native

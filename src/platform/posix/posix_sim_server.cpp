@@ -115,9 +115,9 @@ void PosixSimServer::take_sends(const ConnectionPointer& connection) {
         close(connection);
         return;
     }
-    if (connection->latest && fault != ServerFault::silent) {
-        loop_.post_after(answer_delay, [this, alive = std::weak_ptr<int>(alive_), connection,
-                                        number = connection->latest->number] {
+    if (connection->latest && fault_ != ServerFault::silent) {
+        loop_.post_after(answer_delay_, [this, alive = std::weak_ptr<int>(alive_), connection,
+                                         number = connection->latest->number] {
             if (!alive.expired() && connection->open && connection->latest && connection->latest->number == number) {
                 answer(*connection, *std::exchange(connection->latest, std::nullopt));
             }
@@ -191,7 +191,7 @@ void PosixSimServer::keep_view(Connection& connection, std::uint16_t atom, int m
 void PosixSimServer::answer(Connection& connection, const Send& send) {
     std::uint8_t* block = view_of(connection, send.atom);
     const std::uint32_t value = block == nullptr ? 0 : server_(block, kBlockSize);
-    if (fault == ServerFault::silent || !connection.open) {
+    if (fault_ == ServerFault::silent || !connection.open) {
         return;
     }
     ReplyPacket packet{};

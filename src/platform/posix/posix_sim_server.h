@@ -10,18 +10,16 @@
 #include <vector>
 
 #include "platform/posix/posix_loop.h"
+#include "platform/server_fault.h"
 
 namespace platform::posix {
-
-// What the server does with the sends it gets.
-enum class ServerFault { none, silent };
 
 // The other end of PosixTransport: a window class that answers request blocks. Blocks are answered in tasks of the
 // loop. A client that sends again has given up its sends before, so only its latest one is answered: its block may
 // already be half filled with the next requests.
 class PosixSimServer {
   public:
-    // Answers a block in place and gives the reply value. It may set `fault`: with `silent` no reply goes out.
+    // Answers a block in place and gives the reply value. It may call set_fault: with `silent` no reply goes out.
     using Server = std::function<std::uint32_t(std::uint8_t* block, std::size_t size)>;
 
     // Listens on a class text ("UIPCMAIN"). Throws a Failure when another program listens there.
@@ -30,9 +28,10 @@ class PosixSimServer {
     PosixSimServer(const PosixSimServer&) = delete;
     PosixSimServer& operator=(const PosixSimServer&) = delete;
 
-    ServerFault fault = ServerFault::none;
+    // A silent server takes sends and never answers them.
+    void set_fault(ServerFault fault) { fault_ = fault; }
     // Time that passes before each answer.
-    Duration answer_delay = Duration::zero();
+    void set_answer_delay(Duration delay) { answer_delay_ = delay; }
 
     // Drops all clients; they find the server again at their next send.
     void close_connections();
@@ -73,6 +72,8 @@ class PosixSimServer {
     PosixLoop& loop_;
     std::shared_ptr<int> alive_ = std::make_shared<int>(0);
     Server server_;
+    ServerFault fault_ = ServerFault::none;
+    Duration answer_delay_ = Duration::zero();
     boost::asio::posix::stream_descriptor listener_;
     std::list<ConnectionPointer> connections_;
     std::uint64_t answered_ = 0;

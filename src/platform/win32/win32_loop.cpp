@@ -26,8 +26,7 @@ void keep_timer_resolution() {
     constexpr ULONG kIgnoreTimerResolution = 4;  // PROCESS_POWER_THROTTLING_IGNORE_TIMER_RESOLUTION
     state.ControlMask = PROCESS_POWER_THROTTLING_EXECUTION_SPEED | kIgnoreTimerResolution;
     state.StateMask = 0;
-    static_cast<void>(
-        ::SetProcessInformation(::GetCurrentProcess(), ProcessPowerThrottling, &state, sizeof(state)));
+    static_cast<void>(::SetProcessInformation(::GetCurrentProcess(), ProcessPowerThrottling, &state, sizeof(state)));
 }
 
 DWORD whole_milliseconds(Duration duration) {
