@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -7,7 +8,8 @@
 namespace platform {
 
 // The files of the working folder. A name is a plain file name of that folder: empty names, names with a slash, a
-// backslash or a NUL, "." and ".." are refused with a Failure.
+// backslash or a NUL, "." and ".." are refused with a Failure. Names are in Windows-1252, as they stand in the start
+// file; files whose names have other characters are not listed.
 class FileStore {
   public:
     virtual ~FileStore() = default;
@@ -31,5 +33,11 @@ class FileStore {
 
 // Throws a Failure when `name` is not a plain file name.
 void check_file_name(const std::string& name);
+
+// The name of a file that the system knows by `utf8`; nothing when it has characters that no name here can hold.
+std::optional<std::string> file_name_of(std::string_view utf8);
+
+// Whether a name ends with `ending`, letter case ignored.
+bool has_ending(std::string_view name, std::string_view ending);
 
 }  // namespace platform

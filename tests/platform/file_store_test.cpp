@@ -1,11 +1,8 @@
 #include "platform/file_store.h"
 
-#include <sys/stat.h>
-
 #include <fstream>
 
-#include "platform/posix/posix_files.h"
-#include "platform/posix/posix_instance_lock.h"
+#include "app/native.h"
 #include "support/failure.h"
 #include "tests/platform/machines.h"
 #include "tests/platform/scratch_folder.h"
@@ -62,19 +59,19 @@ TEST_P(FileStoreContract, a_file_that_is_not_there_cannot_be_read_or_removed) {
 }
 
 TEST_P(FileStoreContract, files_are_listed_by_their_ending_in_any_case_and_in_order) {
-    for (const char* name : {"b.cfg", "A.CFG", "cfg", "c.cfg.txt", "a.cfg"}) {
+    for (const char* name : {"b.cfg", "A.CFG", "cfg", "c.cfg.txt", "a2.cfg"}) {
         files_.replace(name, "x");
     }
-    EXPECT_EQ(files_.list(".cfg"), (std::vector<std::string>{"A.CFG", "a.cfg", "b.cfg"}));
+    EXPECT_EQ(files_.list(".cfg"), (std::vector<std::string>{"A.CFG", "a2.cfg", "b.cfg"}));
 }
 
-class PosixFiles : public testing::Test {
+class NativeFiles : public testing::Test {
   protected:
     ScratchFolder folder_;
-    platform::posix::PosixFiles files_{folder_.path()};
+    platform::native::Files files_{folder_.path()};
 };
 
-TEST_F(PosixFiles, what_a_crash_has_left_over_is_in_nobodys_way_and_nothing_is_left_behind) {
+TEST_F(NativeFiles, what_a_crash_has_left_over_is_in_nobodys_way_and_nothing_is_left_behind) {
     files_.replace("my.cfg", "first");
     std::ofstream(folder_.file("my.cfg.tmp")) << "half a fi";
     std::ofstream(folder_.file("my.cfg.bak.tmp")) << "x";
@@ -84,7 +81,7 @@ TEST_F(PosixFiles, what_a_crash_has_left_over_is_in_nobodys_way_and_nothing_is_l
     EXPECT_EQ(files_.read("my.cfg.bak"), "first");
 }
 
-TEST_F(PosixFiles, a_replacement_that_fails_leaves_the_old_file_whole) {
+TEST_F(NativeFiles, a_replacement_that_fails_leaves_the_old_file_whole) {
     files_.replace("my.cfg", "old");
     std::filesystem::create_directory(folder_.file("my.cfg.bak"));  // stands where the version before is to go
     EXPECT_THROW(files_.replace("my.cfg", "new"), Failure);
@@ -92,33 +89,30 @@ TEST_F(PosixFiles, a_replacement_that_fails_leaves_the_old_file_whole) {
     EXPECT_EQ(files_.list(""), std::vector<std::string>{"my.cfg"});
 }
 
-TEST_F(PosixFiles, a_file_keeps_its_permissions) {
-    files_.replace("my.cfg", "old");
-    ::chmod(folder_.file("my.cfg").c_str(), 0666);
-    files_.replace("my.cfg", "new");
-    struct stat status {};
-    ASSERT_EQ(::stat(folder_.file("my.cfg").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777U, 0666U);
-}
-
-TEST_F(PosixFiles, folders_pipes_and_huge_files_are_refused) {
+TEST_F(NativeFiles, folders_and_huge_files_are_refused) {
     std::filesystem::create_directory(folder_.file("folder.cfg"));
-    ASSERT_EQ(::mkfifo(folder_.file("pipe.cfg").c_str(), 0600), 0);
     std::ofstream(folder_.file("huge.cfg")).put('x');
     std::filesystem::resize_file(folder_.file("huge.cfg"), (64U << 20) + 1);  // takes no room on the disk
-    for (const char* name : {"folder.cfg", "pipe.cfg", "huge.cfg"}) {
+    for (const char* name : {"folder.cfg", "huge.cfg"}) {
         EXPECT_THROW(files_.read(name), Failure) << name;
     }
     EXPECT_THROW(files_.replace("folder.cfg", "x"), Failure);
-    EXPECT_THROW(files_.replace("pipe.cfg", "x"), Failure);
     EXPECT_EQ(files_.list(".cfg"), std::vector<std::string>{"huge.cfg"});
 }
 
-TEST(PosixInstanceLock, a_second_program_is_kept_out_and_told_where_the_first_one_is) {
+TEST_F(NativeFiles, names_are_windows_1252_whatever_the_system_writes) {
+    files_.replace("K\xF6ln \x80.cfg", "x");
+    EXPECT_TRUE(std::filesystem::exists(folder_.file("") / std::filesystem::path(u8"K\u00F6ln \u20AC.cfg")));
+    std::ofstream(folder_.file("") / std::filesystem::path(u8"\u0416.cfg")) << "a name that no text here can hold";
+    EXPECT_EQ(files_.list(".cfg"), std::vector<std::string>{"K\xF6ln \x80.cfg"});
+    EXPECT_EQ(files_.read("K\xF6ln \x80.cfg"), "x");
+}
+
+TEST(NativeInstanceLock, a_second_program_is_kept_out_and_told_where_the_first_one_is) {
     const ScratchFolder folder;
-    platform::posix::PosixInstanceLock second(folder.path());
+    platform::native::InstanceLock second(folder.path());
     {
-        platform::posix::PosixInstanceLock first(folder.path());
+        platform::native::InstanceLock first(folder.path());
         ASSERT_TRUE(first.acquire());
         first.publish("http://127.0.0.1:8790/");
         EXPECT_FALSE(second.acquire());
@@ -126,7 +120,7 @@ TEST(PosixInstanceLock, a_second_program_is_kept_out_and_told_where_the_first_on
     }
     EXPECT_TRUE(second.acquire()) << "the first has ended";
     EXPECT_EQ(second.other_address(), "");
-    platform::posix::PosixInstanceLock nowhere(folder.file("none"));
+    platform::native::InstanceLock nowhere(folder.path() + "/none");
     EXPECT_THROW(nowhere.acquire(), Failure);
 }
 

@@ -57,13 +57,14 @@ class Machine {
 };
 
 std::unique_ptr<Machine> manual_machine();
-std::unique_ptr<Machine> posix_machine();
+// The back end of the system that the tests are built for.
+std::unique_ptr<Machine> native_machine();
 
 struct BackEnd {
     const char* name;
     std::unique_ptr<Machine> (*make)();
 };
-inline constexpr BackEnd kBackEnds[] = {{"manual", manual_machine}, {"posix", posix_machine}};
+inline constexpr BackEnd kBackEnds[] = {{"manual", manual_machine}, {"native", native_machine}};
 
 // The base of a contract suite.
 class ContractTest : public testing::TestWithParam<BackEnd> {

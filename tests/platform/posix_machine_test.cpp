@@ -52,7 +52,7 @@ class PosixMachine : public Machine {
 
 }  // namespace
 
-std::unique_ptr<Machine> posix_machine() {
+std::unique_ptr<Machine> native_machine() {
     return std::make_unique<PosixMachine>();
 }
 

@@ -7,12 +7,8 @@
 #include <boost/asio/steady_timer.hpp>
 #include <csignal>
 
-#include "platform/log_line.h"
-#include "platform/output_queue.h"
 #include "platform/posix/parmrk_decoder.h"
 #include "platform/posix/posix_loop.h"
-#include "platform/posix/posix_machine.h"
-#include "support/failure.h"
 
 namespace platform_tests {
 namespace {
@@ -20,7 +16,6 @@ namespace {
 using platform::Milliseconds;
 using platform::SerialEvent;
 using platform::Timer;
-using platform::OutputQueue;
 using platform::posix::ParmrkDecoder;
 using platform::posix::PosixLoop;
 
@@ -57,29 +52,6 @@ TEST(ParmrkDecoder, marks_become_events_wherever_the_stream_is_cut) {
                 << testing::PrintToString(line.marked) << " cut at " << cut;
         }
     }
-}
-
-TEST(OutputQueue, the_oldest_whole_blocks_go_when_no_more_fits_and_a_begun_block_stays) {
-    OutputQueue queue;
-    const std::size_t third = OutputQueue::kLimit / 3;
-    for (const char letter : {'a', 'b', 'c'}) {
-        queue.add(std::string(third, letter));
-    }
-    queue.taken(10);
-    queue.add(std::string(third, 'd'));
-    EXPECT_EQ(queue.dropped_blocks(), 1U);
-    EXPECT_EQ(queue.next(), std::string(third - 10, 'a') + std::string(third, 'c') + std::string(third, 'd'));
-    queue.taken(third - 10 + third);
-    EXPECT_EQ(queue.next(), std::string(third, 'd'));
-    queue.add(std::string(OutputQueue::kLimit, 'e'));
-    EXPECT_EQ(queue.next(), std::string(OutputQueue::kLimit, 'e'));
-    EXPECT_THROW(queue.add(std::string(OutputQueue::kLimit + 1, 'f')), support::Failure);
-    queue.taken(OutputQueue::kLimit);
-    EXPECT_TRUE(queue.empty());
-}
-
-TEST(LogLine, a_line_of_the_log_stays_one_line_of_plain_text) {
-    EXPECT_EQ(platform::log_line("Error 9\r\nGo on?\x1B[2J\t\x9Cz"), "Error 9 / Go on?\\x1B[2J\\x09\\x9Cz");
 }
 
 double processor_seconds() {

@@ -1,18 +1,20 @@
 #pragma once
 
-#include <stdlib.h>
-
+#include <chrono>
 #include <filesystem>
 #include <string>
 
 namespace platform_tests {
 
-// A folder of its own that goes away with everything in it.
+// A folder of its own that goes away with everything in it. Its path has a blank and an umlaut.
 class ScratchFolder {
   public:
     ScratchFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "cockpit-test-XXXXXX").string();
-        path_ = ::mkdtemp(pattern.data()) != nullptr ? pattern : std::string();
+        static int count = 0;
+        const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+        const std::string name = "cockpit-test \xC3\xBC " + std::to_string(now) + "-" + std::to_string(++count);
+        path_ = std::filesystem::temp_directory_path() / std::filesystem::path(as_u8(name));
+        std::filesystem::create_directory(path_);
     }
     ~ScratchFolder() {
         std::error_code ignored;
@@ -21,11 +23,17 @@ class ScratchFolder {
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
 
-    const std::string& path() const { return path_; }
-    std::string file(const std::string& name) const { return path_ + "/" + name; }
+    // In UTF-8.
+    std::string path() const {
+        const std::u8string text = path_.u8string();
+        return std::string(text.begin(), text.end());
+    }
+    std::filesystem::path file(const std::string& name) const { return path_ / name; }
 
   private:
-    std::string path_;
+    static std::u8string as_u8(const std::string& text) { return std::u8string(text.begin(), text.end()); }
+
+    std::filesystem::path path_;
 };
 
 }  // namespace platform_tests

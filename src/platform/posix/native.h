@@ -8,11 +8,13 @@
 
 namespace platform::native {
 
+using Files = posix::PosixFiles;
 using InstanceLock = posix::PosixInstanceLock;
 using LineInput = posix::LineInput;
 using Loop = posix::PosixLoop;
 using MachinePlatform = posix::PosixPlatform;
 using SimServer = posix::PosixSimServer;
+using SimTransport = posix::PosixTransport;
 using WallClock = posix::PosixWallClock;
 
 inline int standard_input() {

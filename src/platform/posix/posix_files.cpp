@@ -2,7 +2,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,11 +10,19 @@
 #include <cstdio>
 #include <memory>
 
+#include "support/windows_1252.h"
+
 namespace platform::posix {
 
 namespace {
 
 constexpr std::size_t kLargestFile = 64U << 20;
+
+// The system's name of a file.
+std::string system_name(const std::string& name) {
+    check_file_name(name);
+    return support::to_utf8(name);
+}
 
 }  // namespace
 
@@ -27,7 +34,10 @@ PosixFiles::PosixFiles(const std::string& folder)
 }
 
 std::string PosixFiles::read(const std::string& name) const {
-    check_file_name(name);
+    return read_system_file(system_name(name));
+}
+
+std::string PosixFiles::read_system_file(const std::string& name) const {
     // Not blocking: a pipe of that name must not hold the program up.
     const Descriptor file(::openat(folder_.get(), name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
@@ -56,8 +66,8 @@ std::string PosixFiles::read(const std::string& name) const {
     return bytes;
 }
 
-void PosixFiles::replace(const std::string& name, std::string_view bytes) {
-    check_file_name(name);
+void PosixFiles::replace(const std::string& target, std::string_view bytes) {
+    const std::string name = system_name(target);
     struct stat status {};
     const bool there = ::fstatat(folder_.get(), name.c_str(), &status, 0) == 0;
     if (there && !S_ISREG(status.st_mode)) {
@@ -122,22 +132,20 @@ void PosixFiles::keep_backup(const std::string& name, mode_t mode) {
         return;
     }
     // A file system without links: copy.
-    write_temporary(link, read(name), mode);
+    write_temporary(link, read_system_file(name), mode);
     if (::renameat(folder_.get(), link.c_str(), folder_.get(), backup.c_str()) != 0) {
         throw_system_failure("The version before cannot be kept");
     }
 }
 
 void PosixFiles::remove(const std::string& name) {
-    check_file_name(name);
-    if (::unlinkat(folder_.get(), name.c_str(), 0) != 0) {
+    if (::unlinkat(folder_.get(), system_name(name).c_str(), 0) != 0) {
         throw_system_failure("The file cannot be deleted");
     }
 }
 
 bool PosixFiles::exists(const std::string& name) const {
-    check_file_name(name);
-    return ::faccessat(folder_.get(), name.c_str(), F_OK, 0) == 0;
+    return ::faccessat(folder_.get(), system_name(name).c_str(), F_OK, 0) == 0;
 }
 
 std::vector<std::string> PosixFiles::list(std::string_view ending) const {
@@ -148,12 +156,11 @@ std::vector<std::string> PosixFiles::list(std::string_view ending) const {
         return names;
     }
     while (const dirent* entry = ::readdir(entries.get())) {
-        const std::string name = entry->d_name;
+        const std::optional<std::string> name = file_name_of(entry->d_name);
         struct stat status {};
-        if (name.size() >= ending.size() &&
-            ::strncasecmp(name.data() + name.size() - ending.size(), ending.data(), ending.size()) == 0 &&
-            ::fstatat(folder_.get(), name.c_str(), &status, 0) == 0 && S_ISREG(status.st_mode)) {
-            names.push_back(name);
+        if (name && has_ending(*name, ending) && ::fstatat(folder_.get(), entry->d_name, &status, 0) == 0 &&
+            S_ISREG(status.st_mode)) {
+            names.push_back(*name);
         }
     }
     std::sort(names.begin(), names.end());

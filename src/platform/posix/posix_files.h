@@ -23,6 +23,8 @@ class PosixFiles : public FileStore {
     std::vector<std::string> list(std::string_view ending) const override;
 
   private:
+    // Names of the system from here on.
+    std::string read_system_file(const std::string& name) const;
     // Without `mode` the new file gets the permissions that new files have.
     void write_temporary(const std::string& name, std::string_view bytes, std::optional<mode_t> mode);
     void keep_backup(const std::string& name, mode_t mode);

@@ -7,11 +7,13 @@
 
 namespace platform::native {
 
+using Files = win32::Win32Files;
 using InstanceLock = win32::Win32InstanceLock;
 using LineInput = win32::LineInput;
 using Loop = win32::Win32Loop;
 using MachinePlatform = win32::Win32Platform;
 using SimServer = win32::Win32SimServer;
+using SimTransport = win32::Win32Transport;
 using WallClock = win32::Win32WallClock;
 using win32::standard_input;
 

@@ -175,12 +175,6 @@ bool Win32Files::exists(const std::string& name) const {
 }
 
 std::vector<std::string> Win32Files::list(std::string_view ending) const {
-    const auto same_letter = [](char a, char b) {
-        const auto lower = [](char letter) {
-            return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-        };
-        return lower(a) == lower(b);
-    };
     std::vector<std::string> names;
     WIN32_FIND_DATAW entry{};
     const HANDLE search = ::FindFirstFileW((folder_ + L"*").c_str(), &entry);
@@ -188,13 +182,9 @@ std::vector<std::string> Win32Files::list(std::string_view ending) const {
         return names;
     }
     do {
-        const std::string name = support::from_utf8(utf8(entry.cFileName));
-        // What comes back as another name has characters that no text of the program can hold.
-        const bool can_be_told = wide_name(name) == entry.cFileName;
-        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 && can_be_told && name.size() >= ending.size() &&
-            std::equal(ending.begin(), ending.end(), name.end() - static_cast<std::ptrdiff_t>(ending.size()),
-                       same_letter)) {
-            names.push_back(name);
+        const std::optional<std::string> name = file_name_of(utf8(entry.cFileName));
+        if (name && (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 && has_ending(*name, ending)) {
+            names.push_back(*name);
         }
     } while (::FindNextFileW(search, &entry) != FALSE);
     ::FindClose(search);

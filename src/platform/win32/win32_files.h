@@ -7,8 +7,7 @@
 
 namespace platform::win32 {
 
-// The files of a folder of the system. Names are in Windows-1252, as they stand in the configuration and the start
-// file; files whose names have other characters are not listed. Files beyond 64 MiB are not read.
+// The files of a folder of the system. Files beyond 64 MiB are not read.
 class Win32Files : public FileStore {
   public:
     // `folder` in UTF-8. Throws a Failure when it is no folder.

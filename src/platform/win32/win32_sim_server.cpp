@@ -56,6 +56,7 @@ struct Win32SimServer::Window {
     std::function<void()> on_send;  // called on the window's thread
     HWND window = nullptr;
     Handle replied = make_event();
+    Handle dropped = make_event();
     std::atomic<std::uint16_t> atom = 0;
     std::atomic<std::uint32_t> reply = 0;
     std::atomic<bool> dropping = false;  // sends are answered with 0 at once: nobody waits for them any more
@@ -101,6 +102,7 @@ LRESULT Win32SimServer::Window::take(WPARAM first_parameter) {
         MSG ignored{};
         ::PeekMessageA(&ignored, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
         dropping = false;
+        ::SetEvent(dropped.get());
     }
     return value;
 }
@@ -159,6 +161,7 @@ void Win32SimServer::set_fault(ServerFault fault) {
     if (before == ServerFault::silent && fault == ServerFault::none && send_waits_) {
         window_->dropping = true;
         reply(0);
+        ::WaitForSingleObject(window_->dropped.get(), INFINITE);
     }
 }
 
