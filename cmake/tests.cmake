@@ -18,8 +18,9 @@ else()
 endif()
 
 add_library(tests_support INTERFACE)
-target_link_libraries(tests_support INTERFACE cockpit_app cockpit_manual bench_devices simhost_core project_options GTest::gtest)
+target_link_libraries(tests_support INTERFACE cockpit_manual cockpit_native project_options GTest::gtest)
 if(NOT WIN32)
+  target_link_libraries(tests_support INTERFACE cockpit_app bench_devices simhost_core)
   file(GLOB_RECURSE support_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/support/*.cpp)
   add_library(tests_rig STATIC ${support_sources})
   target_link_libraries(tests_rig PUBLIC tests_support)
@@ -31,7 +32,7 @@ file(GLOB test_folders LIST_DIRECTORIES true CONFIGURE_DEPENDS ${CMAKE_SOURCE_DI
 foreach(folder ${test_folders})
   get_filename_component(name ${folder} NAME)
   set(sources)
-  if(WIN32 AND NOT name MATCHES "^(platform|basics|tables)$")
+  if(WIN32 AND NOT name MATCHES "^(platform|windows|basics|tables)$" OR NOT WIN32 AND name STREQUAL "windows")
     # The logic is the same on both systems; these are what meets the other system's files, numbers and calls.
   elseif(IS_DIRECTORY ${folder} AND NOT name STREQUAL "support")
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${folder}/*_test.cpp)
@@ -53,6 +54,8 @@ foreach(folder ${test_folders})
   endif()
 endforeach()
 
+add_executable(resave ${CMAKE_SOURCE_DIR}/tests/windows/resave.cpp)
+target_link_libraries(resave PRIVATE cockpit_native cockpit_manual)
 if(NOT WIN32)
   # The device's end of serial lines whose other end a program under Wine has open.
   add_executable(line_server ${CMAKE_SOURCE_DIR}/tests/windows/line_server.cpp)

@@ -130,6 +130,14 @@ std::string run_restart(const Words& words, Simulator& simulator, const Control&
     return "ok";
 }
 
+std::string run_window(const Words& words, Simulator&, const Control& control) {
+    choice(argument(words, 1), {"UIPCMAIN", "FS98MAIN"});
+    if (control.on_window) {
+        control.on_window(std::string(words[1]));
+    }
+    return "ok";
+}
+
 std::string run_set(const Words& words, Simulator& simulator, const Control&) {
     simulator.set_value(argument(words, 1), number(argument(words, 2)));
     return "ok";
@@ -198,7 +206,7 @@ std::string run_quit(const Words&, Simulator&, const Control& control) {
 
 std::string run_help(const Words& words, Simulator& simulator, const Control& control);
 
-constexpr std::array<Command, 15> kCommands{{
+constexpr std::array<Command, 16> kCommands{{
     {"help", "", "lists the commands", run_help},
     {"state", "", "tells phase, speed, altitude and so on", run_state},
     {"get", "NAME", "tells a value", run_get},
@@ -213,6 +221,7 @@ constexpr std::array<Command, 15> kCommands{{
     {"ids", "good|bad", "destroys the ids of the answered records", run_ids},
     {"clear", "", "ends all faults", run_clear},
     {"restart", "[MS]", "starts again; the server is away for so long, 2000 by default", run_restart},
+    {"window", "UIPCMAIN|FS98MAIN", "answers as a simulator on this machine, or as one across a network", run_window},
     {"quit", "", "ends the simulator", run_quit},
 }};
 

@@ -22,6 +22,8 @@ class Control {
     std::function<void()> on_quit;
     // The server is to go away for a while: its clients lose it and find it again afterwards.
     std::function<void(std::chrono::milliseconds away)> on_restart;
+    // The server is to answer as a window of another class from now on.
+    std::function<void(const std::string& window_class)> on_window;
 
   private:
     Simulator& simulator_;

@@ -12,7 +12,7 @@
 // and takes commands on standard input and, on Linux, on a socket in its working folder.
 namespace {
 
-constexpr const char* kWindowClass = "UIPCMAIN";
+constexpr const char* kUsualWindowClass = "UIPCMAIN";
 #ifdef _WIN32
 constexpr const char* kControlPlace = "its standard input";
 #else
@@ -27,6 +27,11 @@ class SimhostProgram {
         start_clock();
         control_.on_quit = [this] { loop_.stop(); };
         control_.on_restart = [this](std::chrono::milliseconds away) { go_away(away); };
+        control_.on_window = [this](const std::string& window_class) {
+            window_class_ = window_class;
+            server_.reset();
+            open_server();
+        };
         open_server();
         open_controls();
         last_step_ = loop_.now();
@@ -34,7 +39,7 @@ class SimhostProgram {
     }
 
     void run() {
-        std::printf("simhost flies; clients find it as %s, commands go to %s (try \"help\")\n", kWindowClass,
+        std::printf("simhost flies; clients find it as %s, commands go to %s (try \"help\")\n", window_class_.c_str(),
                     kControlPlace);
         std::fflush(stdout);
         loop_.run();
@@ -60,7 +65,7 @@ class SimhostProgram {
     }
 
     void open_server() {
-        server_.emplace(loop_, kWindowClass,
+        server_.emplace(loop_, window_class_,
                         [this](std::uint8_t* block, std::size_t size) { return simulator_.answer(block, size); });
         pass_faults_on();
     }
@@ -101,6 +106,7 @@ class SimhostProgram {
     }
 
     platform::native::Loop loop_;
+    std::string window_class_ = kUsualWindowClass;
     simhost::Simulator simulator_;
     simhost::Control control_{simulator_};
     platform::Timer step_timer_;

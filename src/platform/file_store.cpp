@@ -25,9 +25,8 @@ bool has_ending(std::string_view name, std::string_view ending) {
     const auto lower = [](char letter) {
         return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
     };
-    return name.size() >= ending.size() &&
-           std::equal(ending.rbegin(), ending.rend(), name.rbegin(),
-                      [&](char a, char b) { return lower(a) == lower(b); });
+    return name.size() >= ending.size() && std::equal(ending.rbegin(), ending.rend(), name.rbegin(),
+                                                      [&](char a, char b) { return lower(a) == lower(b); });
 }
 
 }  // namespace platform

@@ -88,8 +88,10 @@ class NativeTransportRig : public TransportRig {
     void start_server() override { server_.start(); }
     void stop_server() override { server_.stop(); }
     void set_answers(Answers answers) override {
-        server_.do_there(
-            [&] { server_.server().set_fault(answers == Answers::never ? platform::ServerFault::silent : platform::ServerFault::none); });
+        server_.do_there([&] {
+            server_.server().set_fault(answers == Answers::never ? platform::ServerFault::silent
+                                                                 : platform::ServerFault::none);
+        });
     }
     int answered() override {
         int count = 0;

@@ -9,9 +9,9 @@
 // bytes, the low one first) and that many bytes. One connection is one serial line.
 namespace line_server {
 
-inline constexpr char kPlug = 'p';     // from the test; answered by itself
-inline constexpr char kUnplug = 'u';   // from the test; answered by itself
-inline constexpr char kBytes = 'b';    // both ways: what goes over the line
+inline constexpr char kPlug = 'p';    // from the test; answered by itself
+inline constexpr char kUnplug = 'u';  // from the test; answered by itself
+inline constexpr char kBytes = 'b';   // both ways: what goes over the line
 inline constexpr std::size_t kHead = 3;
 inline constexpr std::size_t kLongest = 60'000;
 
