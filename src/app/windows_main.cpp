@@ -75,10 +75,11 @@ int run_program() {
     }
     std::printf("%s\n", address.c_str());
     std::fflush(stdout);
-    const platform::win32::TrayIcon icon(
-        [address] { open_page(address); },
-        [&program] { program.loop().post_from_any_thread([&program] { program.cockpit().exit(); }); },
-        std::string(tables::kProgramName));
+    const auto exit_cockpit = [&program] {
+        program.loop().post_from_any_thread([&program] { program.cockpit().exit(); });
+    };
+    const platform::win32::TrayIcon icon({.open_panels = [address] { open_page(address); }, .exit = exit_cockpit},
+                                         std::string(tables::kProgramName));
     open_page(address);
     program.run();
     return EXIT_SUCCESS;

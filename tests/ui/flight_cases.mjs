@@ -6,7 +6,7 @@ import { Programs } from "./programs.mjs";
 
 const olderFile = "Older version.cfg";
 
-class Flight {
+export class Flight {
   constructor(browser, programs, address, page) {
     Object.assign(this, { browser, programs, address, page });
   }
@@ -43,7 +43,7 @@ class Flight {
   }
 }
 
-async function the_start_panel_shows_the_link_and_counts_down(flight) {
+export async function the_start_panel_shows_the_link_and_counts_down(flight) {
   await flight.connected();
   await until(async () => (await flight.text("frmMain", "frmMainConnection")).startsWith("Connected to"), "the link");
   holds((await flight.text("frmMain", "LabelFSUIPC")) !== "N/A", "the version is told");
@@ -55,7 +55,7 @@ async function the_start_panel_shows_the_link_and_counts_down(flight) {
   await until(async () => Number(await flight.text("frmMain", "BoxAutoStartTime")) < seconds, "the number falls");
 }
 
-async function the_run_starts_by_itself_and_waits_in_the_task_bar(flight) {
+export async function the_run_starts_by_itself_and_waits_in_the_task_bar(flight) {
   const task = flight.page.locator('[data-task="frmStatus"]');
   await task.waitFor({ timeout: 20_000 });
   await flight.page.locator('[data-panel="frmMain"]').waitFor({ state: "detached" });
@@ -65,7 +65,7 @@ async function the_run_starts_by_itself_and_waits_in_the_task_bar(flight) {
   equal(await flight.text("frmStatus", "BoxCurrentConfig"), "Default MS-FS.cfg", "configuration");
 }
 
-async function the_boxes_show_the_simulators_values(flight) {
+export async function the_boxes_show_the_simulators_values(flight) {
   await flight.programs.simulator("jump cruise");
   await flight.moves("frmStatus", "BoxIAS");
   await flight.programs.simulator("pause on");
@@ -91,7 +91,7 @@ async function the_slider_sets_the_interval(flight) {
   await flight.shows("frmStatus", "BoxXferProcessTimer", "40");
 }
 
-async function stop_halts_and_run_goes_on(flight) {
+export async function stop_halts_and_run_goes_on(flight) {
   await flight.click("frmStatus", "cmdStop");
   await flight.shows("frmStatus", "BoxRun", "Halted");
   await flight.shows("frmStatus", "frmXferCount", "0");
@@ -133,7 +133,7 @@ async function two_pages_see_the_same(flight) {
 }
 
 // A page of another server on this machine, as a page of any site would be.
-async function a_foreign_origin_is_refused(flight) {
+export async function a_foreign_origin_is_refused(flight) {
   const foreign = createServer((_, answer) => answer.setHeader("Content-Type", "text/html").end("<p>foreign</p>"));
   await new Promise((done) => foreign.listen(0, "127.0.0.1", done));
   const page = await openPage(flight.browser);
@@ -198,7 +198,7 @@ async function the_page_mends_itself_when_the_program_comes_back(flight) {
   await flight.page.locator('[data-panel="frmMain"]').waitFor();
 }
 
-async function exit_ends_the_program(flight) {
+export async function exit_ends_the_program(flight) {
   await flight.page.locator('[data-task="frmStatus"]').click({ timeout: 20_000 });
   await flight.click("frmStatus", "CmdExit");
   const end = await flight.programs.cockpit.ended;

@@ -10,9 +10,9 @@ import { fileURLToPath } from "node:url";
 const demo = fileURLToPath(new URL("../../demo", import.meta.url));
 const startWithinMs = 20_000;
 
-class Program {
-  constructor(path, folder) {
-    this.process = spawn(path, [], { cwd: folder, stdio: ["pipe", "pipe", "pipe"] });
+export class Program {
+  constructor(path, folder, words = []) {
+    this.process = spawn(path, words, { cwd: folder, stdio: ["pipe", "pipe", "pipe"] });
     this.said = [];
     this.complaints = "";
     this.process.stderr.on("data", (text) => (this.complaints += text));
