@@ -110,10 +110,15 @@ int main(int count, char** words) {
         std::fprintf(stderr, "line_server FOLDER NUMBER\n");
         return 2;
     }
-    PosixLoop loop;
-    LineServer server(loop, words[1], std::atoi(words[2]));
-    std::printf("%d\n", server.port());
-    std::fflush(stdout);
-    loop.run();
-    return 0;
+    try {
+        PosixLoop loop;
+        LineServer server(loop, words[1], std::atoi(words[2]));
+        std::printf("%d\n", server.port());
+        std::fflush(stdout);
+        loop.run();
+        return 0;
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "line_server: %s\n", failure.what());
+        return 1;
+    }
 }
