@@ -19,6 +19,9 @@ import { WinePrograms } from "./wine_programs.mjs";
 
 const run = promisify(execFile);
 const defaultFile = "Default MS-FS.cfg";
+// What the cockpit's own hands do between the begin of a flight and its pause comes at no fixed moment: under one percent
+// of a turn.
+const nearlySteps = 8;
 const [out, here, windows] = process.argv.slice(2);
 
 // Where all needles of the simulated hardware stand, once they stand still.
@@ -58,7 +61,7 @@ async function every_needle_stands_where_the_same_program_puts_it_on_this_system
   holds(new Set(Object.values(stand)).size > 10, "the needles tell something");
   await flight.programs.simulator("pause off");
   const names = new Set([...Object.keys(stand), ...Object.keys(flight.reference)]);
-  const other = [...names].filter((name) => stand[name] !== flight.reference[name]);
+  const other = [...names].filter((name) => !(Math.abs(stand[name] - flight.reference[name]) <= nearlySteps));
   equal(other.map((name) => `${name}: ${stand[name]}, not ${flight.reference[name]}`), [], "the needles that stand elsewhere");
 }
 
