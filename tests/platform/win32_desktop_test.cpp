@@ -24,8 +24,8 @@ class TypedWindow {
         description.hInstance = ::GetModuleHandleW(nullptr);
         description.lpszClassName = L"TypedWindow";
         ::RegisterClassW(&description);
-        window_ = ::CreateWindowExW(0, L"TypedWindow", L"typed", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 200, 100, nullptr,
-                                    nullptr, description.hInstance, nullptr);
+        window_ = ::CreateWindowExW(0, L"TypedWindow", L"typed", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 200, 100,
+                                    nullptr, nullptr, description.hInstance, nullptr);
         ::SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
         ::SetForegroundWindow(window_);
         ::SetFocus(window_);

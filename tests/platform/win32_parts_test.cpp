@@ -19,9 +19,9 @@ TEST(LineErrors, a_break_is_a_break_and_not_a_framing_error_as_well) {
         std::vector<SerialEvent> events;
     };
     // The bits of the system's header: receive overflow, overrun, parity, framing, break.
-    for (const Case& line : {Case{0, {}}, Case{0x0001 | 0x0002 | 0x0004, {}},
-                             Case{0x0008, {SerialEvent::framing_error}}, Case{0x0010, {SerialEvent::break_received}},
-                             Case{0x0008 | 0x0010 | 0x0001, {SerialEvent::break_received}}}) {
+    for (const Case& line :
+         {Case{0, {}}, Case{0x0001 | 0x0002 | 0x0004, {}}, Case{0x0008, {SerialEvent::framing_error}},
+          Case{0x0010, {SerialEvent::break_received}}, Case{0x0008 | 0x0010 | 0x0001, {SerialEvent::break_received}}}) {
         std::vector<SerialEvent> events;
         raise_line_errors(line.errors, [&](SerialEvent event) { events.push_back(event); });
         EXPECT_EQ(events, line.events) << line.errors;
@@ -33,9 +33,9 @@ TEST(FileNames, what_the_system_takes_for_something_else_is_no_file_name) {
                              "My cockpit (new) #2.cfg", "nullify"}) {
         EXPECT_TRUE(is_file_name(name)) << name;
     }
-    for (const char* name :
-         {"", "a:b.cfg", "a/b", "a\\b", "a*.cfg", "a?", "a<b", "a>b", "a|b", "a\"b", "a\tb", "a.", "a ", "CON", "con.cfg",
-          "Nul.txt", "aux", "PRN.cfg", "COM1.cfg", "com9", "lpt1.x.cfg", "COM\xB9.cfg", "CON .cfg", "conin$"}) {
+    for (const char* name : {"",    "a:b.cfg", "a/b",      "a\\b", "a*.cfg",     "a?",          "a<b",      "a>b",
+                             "a|b", "a\"b",    "a\tb",     "a.",   "a ",         "CON",         "con.cfg",  "Nul.txt",
+                             "aux", "PRN.cfg", "COM1.cfg", "com9", "lpt1.x.cfg", "COM\xB9.cfg", "CON .cfg", "conin$"}) {
         EXPECT_FALSE(is_file_name(name)) << name;
     }
 }

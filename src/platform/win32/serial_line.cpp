@@ -16,7 +16,7 @@ namespace {
 
 using boost::system::error_code;
 
-constexpr DWORD kReadGap_ms = 1;
+constexpr DWORD kReadGapMs = 1;
 constexpr DWORD kDriverBuffer = 4096;
 constexpr int kMostEmptyReads = 3;  // in a row, before the line is asked whether it lives
 constexpr std::chrono::milliseconds kWatchInterval{500};
@@ -102,7 +102,7 @@ std::shared_ptr<SerialLine> SerialLine::open(boost::asio::io_context& context, i
     ::SetupComm(line->native(), kDriverBuffer, kDriverBuffer);
     // A read comes back with what has arrived when nothing more follows, and waits without end for a first byte.
     COMMTIMEOUTS times{};
-    times.ReadIntervalTimeout = kReadGap_ms;
+    times.ReadIntervalTimeout = kReadGapMs;
     if (::SetCommTimeouts(line->native(), &times) == FALSE) {
         throw_system_failure(name + " refuses its time limits");
     }

@@ -21,7 +21,7 @@ constexpr UINT_PTR kExit = 2;
 constexpr WORD kIconResource = 1;  // packaging/windows/cockpit.rc
 
 // How long the system's end waits for the program's.
-constexpr DWORD kEndPatience_ms = 4000;
+constexpr DWORD kEndPatienceMs = 4000;
 
 }  // namespace
 
@@ -101,7 +101,7 @@ void TrayIcon::Window::show_menu(POINT place) {
 // The system ends the process when this has come back.
 void TrayIcon::Window::end_with_the_system() const {
     actions.exit();
-    ::WaitForSingleObject(ended.get(), kEndPatience_ms);
+    ::WaitForSingleObject(ended.get(), kEndPatienceMs);
 }
 
 LRESULT TrayIcon::Window::take(UINT message, WPARAM first, LPARAM second) {

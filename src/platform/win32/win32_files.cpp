@@ -17,7 +17,7 @@ constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 
 // Virus scanners and indexers hold a file for a moment after it was written.
 constexpr int kMostTries = 10;
-constexpr DWORD kTryInterval_ms = 20;
+constexpr DWORD kTryIntervalMs = 20;
 
 std::wstring wide_name(const std::string& name) {
     return wide(support::to_utf8(name));
@@ -33,7 +33,7 @@ bool try_again_while_held(const std::function<bool()>& call) {
         if (attempt >= kMostTries || !held_by_another(::GetLastError())) {
             return false;
         }
-        ::Sleep(kTryInterval_ms);
+        ::Sleep(kTryIntervalMs);
     }
     return true;
 }

@@ -13,7 +13,7 @@ namespace platform::win32 {
 
 namespace {
 
-constexpr UINT kTimerResolution_ms = 1;
+constexpr UINT kTimerResolutionMs = 1;
 
 // How long a wait for a handle sleeps before it looks after the page again.
 constexpr Milliseconds kPageSlice{5};
@@ -36,14 +36,14 @@ DWORD whole_milliseconds(Duration duration) {
 }  // namespace
 
 Win32Loop::Win32Loop() : work_(io_context_.get_executor()), signals_(io_context_, SIGINT, SIGTERM, SIGBREAK) {
-    ::timeBeginPeriod(kTimerResolution_ms);
+    ::timeBeginPeriod(kTimerResolutionMs);
     keep_timer_resolution();
     on_terminate = [this] { stop(); };
     await_signal();
 }
 
 Win32Loop::~Win32Loop() {
-    ::timeEndPeriod(kTimerResolution_ms);
+    ::timeEndPeriod(kTimerResolutionMs);
 }
 
 void Win32Loop::await_signal() {
