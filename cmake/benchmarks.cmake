@@ -1,3 +1,10 @@
+# Runs on both systems.
+add_executable(link_figures ${CMAKE_SOURCE_DIR}/benchmarks/link_figures.cpp)
+target_link_libraries(link_figures PRIVATE cockpit_native)
+if(WIN32)
+  return()
+endif()
+
 find_package(benchmark REQUIRED)
 # benchmarks/<name>_benchmark.cpp becomes benchmark_<name>.
 file(GLOB benchmark_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/benchmarks/*_benchmark.cpp)

@@ -16,6 +16,14 @@ namespace {
 // How long the server waits when the system gives it no further connection (no free descriptors).
 constexpr std::chrono::milliseconds kAcceptRetry{250};
 
+// What lets a program take its port again at once after its end. Windows lets it do so anyway; there the option of that
+// name would let two programs have one port, and another one keeps the port to one.
+#ifdef _WIN32
+using PortOption = asio::detail::socket_option::boolean<SOL_SOCKET, SO_EXCLUSIVEADDRUSE>;
+#else
+using PortOption = asio::socket_base::reuse_address;
+#endif
+
 // Binds the first free port of the range.
 asio::ip::tcp::acceptor listen(asio::io_context& context, ServerPorts ports) {
     for (unsigned port = ports.first; port <= ports.last; ++port) {
@@ -24,7 +32,7 @@ asio::ip::tcp::acceptor listen(asio::io_context& context, ServerPorts ports) {
         error_code error;
         acceptor.open(endpoint.protocol(), error);
         if (!error) {
-            acceptor.set_option(asio::socket_base::reuse_address(true), error);
+            acceptor.set_option(PortOption(true), error);
         }
         if (!error) {
             acceptor.bind(endpoint, error);

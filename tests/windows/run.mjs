@@ -86,6 +86,15 @@ async function a_second_start_shows_the_page_of_the_first(flight) {
   await flight.shows("frmStatus", "BoxRun", "Running");
 }
 
+async function a_cockpit_in_another_folder_has_a_page_of_its_own(flight) {
+  const address = await flight.programs.startNeighbour();
+  holds(address.startsWith("http://127.0.0.1:") && address !== flight.address, `its page is at ${address}`);
+  const page = await openPage(flight.browser, sizes.laptop);
+  await page.goto(address);
+  await page.locator('[data-link="good"]').waitFor();
+  await page.context().close();
+}
+
 async function both_systems_write_the_same_configuration(flight) {
   const { programs } = flight;
   const bytes = (name) => readFile(join(programs.folder, name), "latin1");
@@ -141,6 +150,7 @@ const cases = [
   stop_halts_and_run_goes_on,
   a_pulled_plug_heals,
   a_second_start_shows_the_page_of_the_first,
+  a_cockpit_in_another_folder_has_a_page_of_its_own,
   both_systems_write_the_same_configuration,
   exit_ends_the_program,
 ];

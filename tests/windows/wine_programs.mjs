@@ -1,6 +1,6 @@
 // The programs of the Windows zip under Wine, with the simulated hardware of this system behind their COM ports.
 import { execFile } from "node:child_process";
-import { mkdtemp, readFile, rm, writeFile } from "node:fs/promises";
+import { mkdir, mkdtemp, readFile, rm, writeFile } from "node:fs/promises";
 import { tmpdir } from "node:os";
 import { join, resolve } from "node:path";
 import { promisify } from "node:util";
@@ -53,6 +53,15 @@ export class WinePrograms {
     return this[name].started();
   }
 
+  // A second control program, in an empty folder of its own.
+  async startNeighbour() {
+    const folder = join(this.root, "neighbour");
+    await mkdir(folder);
+    const program = join(this.root, "Cockpit", "cockpit.exe");
+    this.neighbour = new Program(resolve("scripts/in_wine"), folder, [this.prefix, "wine", program]);
+    return this.neighbour.started();
+  }
+
   // The addresses of the pages that were opened so far.
   async openedPages() {
     const text = await readFile(this.opened, "utf8").catch(() => "");
@@ -77,7 +86,7 @@ export class WinePrograms {
 
   async stopAll() {
     await this.wine("wineserver", "-k").catch(() => undefined);
-    for (const name of ["cockpit", "simhost", "bench"]) {
+    for (const name of ["neighbour", "cockpit", "simhost", "bench"]) {
       await this[name]?.stop();
     }
     await rm(this.root, { recursive: true, force: true });

@@ -156,6 +156,8 @@ void TrayIcon::Window::run(std::promise<void> made) {
     if (window == nullptr) {
         return;
     }
+    // A program that runs as administrator hears of a new taskbar only so.
+    ::ChangeWindowMessageFilterEx(window, taskbar_created, MSGFLT_ALLOW, nullptr);
     show();
     MSG message{};
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
