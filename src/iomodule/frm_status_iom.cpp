@@ -102,7 +102,6 @@ tables::IomRow* frmStatusIOM::row(std::int16_t number) {
 }
 
 // --- The port
-// ---------------------------------------------------------------------------------------------------------
 
 void frmStatusIOM::OpenCommPort() {
     if (!hasPort()) {
@@ -163,6 +162,11 @@ void frmStatusIOM::link_opened() {
 // become meanwhile is seen from its first telegram, against what was last acted on.
 void frmStatusIOM::repaint_outputs() {
     LastPowerByte_ = kNoPowerSent;
+    forget_leds();
+}
+
+// Every LED goes out anew.
+void frmStatusIOM::forget_leds() {
     for (const std::int16_t number : LedRow_) {
         if (tables::IomRow* const led = row(number)) {
             led->IomLastValue = kLastValueAtStart;
@@ -171,7 +175,6 @@ void frmStatusIOM::repaint_outputs() {
 }
 
 // --- Start and stop
-// ---------------------------------------------------------------------------------------------------
 
 void frmStatusIOM::OpenPorts() {
     sim_com_.PortOwnerId = traits_.simulator_port_owner;
@@ -258,18 +261,13 @@ void frmStatusIOM::activate(bool clear_input) {
     }
     LastSwitchBytes_.fill(0);
     LastSwitchState_.fill(kNeverActedOn);
-    for (const std::int16_t number : LedRow_) {
-        if (tables::IomRow* const led = row(number)) {
-            led->IomLastValue = kLastValueAtStart;
-        }
-    }
+    forget_leds();
     if (clear_input) {
         MSComm1_->clear_input();
     }
 }
 
 // --- The cycle
-// --------------------------------------------------------------------------------------------------------
 
 void frmStatusIOM::ProcessTimer_Timer() {
     try {
@@ -354,7 +352,6 @@ void frmStatusIOM::TimerSeconds_Timer() {
 }
 
 // --- Single commands
-// --------------------------------------------------------------------------------------------------
 
 void frmStatusIOM::ComposeCmd(int /*id*/, int cmd, double data) {
     // NOTE: in a run nothing would end this wait, and nothing sends the command.

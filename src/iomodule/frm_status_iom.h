@@ -133,6 +133,7 @@ class frmStatusIOM : public panel::Panel, public run::RunParticipant, public bus
     void retry_open();
     void activate(bool clear_input);
     void repaint_outputs();
+    void forget_leds();
     void assign_row(std::int16_t number);
 
     void process_cycle();

@@ -152,7 +152,6 @@ void frmStatusIOM::take_analogue_input(int number) {
 }
 
 // --- Failures
-// ---------------------------------------------------------------------------------------------------------
 
 template <typename Step>
 void frmStatusIOM::attempt(ErrorSection section, int signal_number, Step&& step) {

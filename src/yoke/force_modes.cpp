@@ -91,7 +91,6 @@ YokeCommand force_limits(const tables::YokeSettings& settings, std::int16_t mode
 }
 
 // --- Position
-// ---------------------------------------------------------------------------------------------------------
 
 // The elevator is negated, the aileron is not.
 void position_to_simulator(const TickContext& tick) {
@@ -109,7 +108,6 @@ void position_to_simulator(const TickContext& tick) {
 }
 
 // --- Center and Off
-// ---------------------------------------------------------------------------------------------------
 
 YokeCommand center_tick(const TickContext& tick) {
     YokeCommand command{kYokeDevice, kCommandIdle, {}};
@@ -135,7 +133,6 @@ YokeCommand off_tick(const TickContext& tick) {
 }
 
 // --- Follow AP
-// --------------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -182,7 +179,6 @@ YokeCommand follow_ap_tick(const TickContext& tick) {
 }
 
 // --- Servo
-// ------------------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -215,7 +211,6 @@ YokeCommand servo_tick(const TickContext& tick) {
 }
 
 // --- Stick shaker
-// -----------------------------------------------------------------------------------------------------
 
 void shake(YokeState& yoke) {
     if (yoke.ShakerOn != 1) {

@@ -145,7 +145,6 @@ void frmForceCurve::show_speeds() {
 }
 
 // --- Dragging
-// ---------------------------------------------------------------------------------------------------------
 
 void frmForceCurve::take_input() {
     const std::string_view input = PictureCurve.input;
@@ -208,7 +207,6 @@ void frmForceCurve::show_selected() {
 }
 
 // --- Drawing
-// ----------------------------------------------------------------------------------------------------------
 
 // The last handle does not move sideways on the drawing, though its airspeed changes.
 tables::ForceCurvePoint frmForceCurve::drawn_at(int point) const {

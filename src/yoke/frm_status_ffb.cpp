@@ -149,7 +149,6 @@ void frmStatusFFB::take_master_at_startup(int yoke_number) {
 }
 
 // --- Start and stop
-// ---------------------------------------------------------------------------------------------------
 
 void frmStatusFFB::OpenPorts() {
     sim_com_.PortOwnerId = simlink::kOwnerYokes;
@@ -217,7 +216,6 @@ void frmStatusFFB::cmdStop_Click() {
 }
 
 // --- Roles
-// ------------------------------------------------------------------------------------------------------------
 
 void frmStatusFFB::cmdSetYoke1Master_Click() {
     yoke(0).cmdSetMaster_Click();

@@ -143,7 +143,6 @@ panel::Slider& YokeFields::slider(std::int16_t YokeSettings::*setting) {
 }
 
 // --- Layout
-// -----------------------------------------------------------------------------------------------------------
 
 LayoutNode YokeFields::yoke_layout() {
     return column({

@@ -67,7 +67,6 @@ void frmConfigYoke::restart_link() {
 }
 
 // --- Telegrams
-// --------------------------------------------------------------------------------------------------------
 
 void frmConfigYoke::MSComm1_OnComm(platform::SerialEvent event) {
     switch (event) {
@@ -156,7 +155,6 @@ void frmConfigYoke::take_switches(std::string_view status) {
 }
 
 // --- The port
-// ---------------------------------------------------------------------------------------------------------
 
 void frmConfigYoke::restart_port() {
     if (yoke_.PortRestart == kClose) {
@@ -204,7 +202,6 @@ void frmConfigYoke::show_port() {
 }
 
 // --- May the motors push?
-// ---------------------------------------------------------------------------------------------
 
 // Why they may not, the weightiest reason first; null when they may.
 const char* frmConfigYoke::why_motors_rest() const {

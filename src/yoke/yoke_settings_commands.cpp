@@ -147,7 +147,6 @@ void frmConfigYoke::cmdCopySettingsYoke2_Click() {
 }
 
 // --- Virtual joystick
-// -------------------------------------------------------------------------------------------------
 
 bool frmConfigYoke::link_okay_for_test() {
     const std::int32_t result = sim_com_.client().IpcResult;
@@ -201,7 +200,6 @@ void frmConfigYoke::TimerVirtualButton_Timer() {
 }
 
 // --- Calibration
-// ------------------------------------------------------------------------------------------------------
 
 void frmConfigYoke::CmdStartCalibration_Click() {
     OptionOff_Click();

@@ -81,7 +81,6 @@ void frmConfigYoke::ProcessTimer_Timer() {
 }
 
 // --- Start
-// ------------------------------------------------------------------------------------------------------------
 
 void frmConfigYoke::startup_step() {
     switch (yoke_.StartupStep) {
@@ -119,7 +118,6 @@ void frmConfigYoke::ramp() {
 }
 
 // --- Standby
-// ----------------------------------------------------------------------------------------------------------
 
 void frmConfigYoke::watch_standby(AxisState& axis, double shown_percent) {
     const std::int16_t percent = support::round_to_i16(std::fabs(shown_percent));
@@ -174,7 +172,6 @@ void frmConfigYoke::set_motor(Axis axis, bool on) {
 }
 
 // --- Autopilot
-// --------------------------------------------------------------------------------------------------------
 
 void frmConfigYoke::switch_with_autopilot() {
     if (!yoke_.master() || settings().AutoSwitchFFBAP != 1) {
@@ -201,7 +198,6 @@ void frmConfigYoke::switch_with_autopilot() {
 }
 
 // --- Modes
-// ------------------------------------------------------------------------------------------------------------
 
 void frmConfigYoke::run_mode(const TickContext& tick) {
     YokeCommand command;
@@ -241,7 +237,6 @@ void frmConfigYoke::put_trim() {
 }
 
 // --- What the panel shows of it
-// ---------------------------------------------------------------------------------------
 
 // All indicators of reads and writes go green; the step that uses one turns it red.
 void frmConfigYoke::show_reads() {
