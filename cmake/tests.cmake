@@ -52,7 +52,19 @@ foreach(folder ${test_folders})
         target_link_libraries(tests_${name} PRIVATE bench_core)
       endif()
     endif()
-    add_test(NAME ${name} COMMAND tests_${name} --gtest_brief=1)
+    # The longest ones run in parts, so that all processors are used.
+    if(name MATCHES "^(app|yoke)$")
+      foreach(part 0 1)
+        add_test(NAME ${name}_${part} COMMAND ${CMAKE_COMMAND} -E env GTEST_TOTAL_SHARDS=2 GTEST_SHARD_INDEX=${part}
+          $<TARGET_FILE:tests_${name}> --gtest_brief=1)
+      endforeach()
+    else()
+      add_test(NAME ${name} COMMAND tests_${name} --gtest_brief=1)
+    endif()
+    # These look at the real clock.
+    if(name MATCHES "^(platform|web)$")
+      set_tests_properties(${name} PROPERTIES RUN_SERIAL TRUE)
+    endif()
   endif()
 endforeach()
 

@@ -55,6 +55,9 @@ void LineInput::Side::read(const std::shared_ptr<Side>& side, HANDLE handle) {
             line_break = waiting.find('\n');
         }
     }
+    if (!waiting.empty()) {
+        post(side, waiting);
+    }
 }
 
 LineInput::LineInput(Win32Loop& loop, void* handle, std::function<void(std::string_view)> on_line)

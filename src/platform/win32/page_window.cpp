@@ -1,7 +1,8 @@
 #include "platform/win32/page_window.h"
 
 #include <windows.h>
-// The shell's and the registry's headers need the one above.
+// These need the one above.
+#include <objbase.h>
 #include <shellapi.h>
 #include <winreg.h>
 
@@ -57,11 +58,16 @@ void open_page(const std::string& address) {
             }
         }
     }
-    // The call gives a number above 32 when it has succeeded.
+    // The shell may hand the address to a browser that stands on its objects.
+    const HRESULT objects = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+    // The call gives a number above 32 when it has succeeded; what the others mean is of no use to a reader.
     const auto result =
         reinterpret_cast<INT_PTR>(::ShellExecuteW(nullptr, L"open", target.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
+    if (SUCCEEDED(objects)) {
+        ::CoUninitialize();
+    }
     if (result <= 32) {
-        throw_system_failure("No browser can be started", static_cast<SystemError>(result));
+        throw support::Failure("No browser can be started (" + std::to_string(result) + ")");
     }
 }
 

@@ -97,7 +97,12 @@ std::shared_ptr<SerialLine> SerialLine::open(boost::asio::io_context& context, i
     if (::GetCommState(handle.get(), &present) == FALSE) {
         throw support::Failure(name + " is not a serial line");
     }
-    auto line = std::make_shared<SerialLine>(context, handle.release(), std::move(lock), name);
+    std::shared_ptr<SerialLine> line;
+    try {
+        line = std::make_shared<SerialLine>(context, std::move(handle), std::move(lock), name);
+    } catch (const boost::system::system_error& error) {
+        throw support::Failure(name + " cannot be used: " + error.what());
+    }
     line->apply(settings);
     ::SetupComm(line->native(), kDriverBuffer, kDriverBuffer);
     // A read comes back with what has arrived when nothing more follows, and waits without end for a first byte.
@@ -111,19 +116,15 @@ std::shared_ptr<SerialLine> SerialLine::open(boost::asio::io_context& context, i
     return line;
 }
 
-SerialLine::SerialLine(boost::asio::io_context& context, void* handle, Handle lock, std::string name)
+SerialLine::SerialLine(boost::asio::io_context& context, Handle handle, Handle lock, std::string name)
     : handle_(context),
       lock_(std::move(lock)),
       name_(std::move(name)),
       watch_timer_(context),
       read_timer_(context),
       event_wait_(std::make_unique<EventWait>(context)) {
-    error_code error;
-    handle_.assign(handle, error);
-    if (error) {
-        ::CloseHandle(handle);
-        throw support::Failure(name_ + " cannot be used: " + system_words(static_cast<SystemError>(error.value())));
-    }
+    handle_.assign(handle.get());
+    handle.release();
 }
 
 SerialLine::~SerialLine() {

@@ -44,7 +44,7 @@ class SerialLine : public std::enable_shared_from_this<SerialLine> {
     // The carrier-detect input; false where the driver does not tell it.
     bool carrier_detect();
 
-    SerialLine(boost::asio::io_context& context, void* handle, Handle lock, std::string name);
+    SerialLine(boost::asio::io_context& context, Handle handle, Handle lock, std::string name);
     ~SerialLine();
     SerialLine(const SerialLine&) = delete;
     SerialLine& operator=(const SerialLine&) = delete;

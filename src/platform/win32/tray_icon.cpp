@@ -16,9 +16,14 @@ namespace {
 
 constexpr const wchar_t* kClass = L"CockpitTrayIcon";
 constexpr UINT kIconMessage = WM_APP + 1;
+constexpr UINT kEndMessage = WM_APP + 2;
 constexpr UINT_PTR kOpenPanels = 1;
 constexpr UINT_PTR kExit = 2;
 constexpr WORD kIconResource = 1;  // packaging/windows/cockpit.rc
+
+// A taskbar that is still busy with the sign-in takes no icon; there may be none at all.
+constexpr UINT_PTR kRetryTimer = 1;
+constexpr UINT kRetryIntervalMs = 2000;
 
 // How long the system's end waits for the program's.
 constexpr DWORD kEndPatienceMs = 4000;
@@ -58,10 +63,13 @@ NOTIFYICONDATAW TrayIcon::Window::description() const {
     return data;
 }
 
-// Fails where there is no taskbar; then there is nothing to show it in.
 void TrayIcon::Window::show() const {
     NOTIFYICONDATAW data = description();
-    ::Shell_NotifyIconW(NIM_ADD, &data);
+    if (::Shell_NotifyIconW(NIM_ADD, &data) == FALSE) {
+        ::SetTimer(window, kRetryTimer, kRetryIntervalMs, nullptr);
+        return;
+    }
+    ::KillTimer(window, kRetryTimer);
     ::Shell_NotifyIconW(NIM_SETVERSION, &data);
 }
 
@@ -113,6 +121,13 @@ LRESULT TrayIcon::Window::take(UINT message, WPARAM first, LPARAM second) {
         case kIconMessage:
             take_icon_event(LOWORD(second), {static_cast<SHORT>(LOWORD(first)), static_cast<SHORT>(HIWORD(first))});
             return 0;
+        case WM_TIMER:
+            show();
+            return 0;
+        case kEndMessage:
+            ::EndMenu();
+            ::DestroyWindow(window);
+            return 0;
         case WM_ENDSESSION:
             if (first != FALSE) {
                 end_with_the_system();
@@ -121,9 +136,12 @@ LRESULT TrayIcon::Window::take(UINT message, WPARAM first, LPARAM second) {
         case WM_CLOSE:
             actions.exit();
             return 0;
-        case WM_DESTROY:
+        case WM_DESTROY: {
+            NOTIFYICONDATAW data = description();
+            ::Shell_NotifyIconW(NIM_DELETE, &data);
             ::PostQuitMessage(0);
             return 0;
+        }
         default:
             return ::DefWindowProcW(window, message, first, second);
     }
@@ -163,8 +181,6 @@ void TrayIcon::Window::run(std::promise<void> made) {
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
         ::DispatchMessageW(&message);
     }
-    NOTIFYICONDATAW data = description();
-    ::Shell_NotifyIconW(NIM_DELETE, &data);
     ::DestroyIcon(icon);
 }
 
@@ -181,8 +197,7 @@ TrayIcon::TrayIcon(Actions actions, const std::string& tool_tip) : window_(std::
 TrayIcon::~TrayIcon() {
     ::SetEvent(window_->ended.get());
     if (window_->window != nullptr) {
-        // Ends the thread's wait for messages, an open menu too.
-        ::PostThreadMessageW(::GetWindowThreadProcessId(window_->window, nullptr), WM_QUIT, 0, 0);
+        ::PostMessageW(window_->window, kEndMessage, 0, 0);
     }
     thread_.join();
 }

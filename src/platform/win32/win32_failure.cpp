@@ -26,8 +26,14 @@ int length_of(std::size_t size) {
 
 std::string system_words(SystemError error) {
     std::array<wchar_t, 512> buffer{};
-    DWORD length = ::FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0,
-                                    buffer.data(), static_cast<DWORD>(buffer.size()), nullptr);
+    constexpr DWORD kFlags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
+    const auto size = static_cast<DWORD>(buffer.size());
+    // In English like the program's own texts where the system has it, else in the user's language.
+    constexpr DWORD kEnglish = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US);
+    DWORD length = ::FormatMessageW(kFlags, nullptr, error, kEnglish, buffer.data(), size, nullptr);
+    if (length == 0) {
+        length = ::FormatMessageW(kFlags, nullptr, error, 0, buffer.data(), size, nullptr);
+    }
     // The words end with a line break, and a full stop before it.
     while (length > 0 && (buffer[length - 1] <= L' ' || buffer[length - 1] == L'.')) {
         --length;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <optional>
 
 #include "platform/win32/file_names.h"
 #include "support/windows_1252.h"
@@ -36,6 +37,19 @@ bool try_again_while_held(const std::function<bool()>& call) {
         ::Sleep(kTryIntervalMs);
     }
     return true;
+}
+
+// Nothing when there is no file of that name. Throws a Failure when that cannot be told.
+std::optional<DWORD> attributes_of(const std::wstring& path) {
+    const DWORD attributes = ::GetFileAttributesW(path.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES) {
+        return attributes;
+    }
+    const SystemError error = ::GetLastError();
+    if (error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND) {
+        throw_system_failure("The file cannot be looked at", error);
+    }
+    return std::nullopt;
 }
 
 void move_over(const std::wstring& from, const std::wstring& to, const std::string& failure) {
@@ -141,19 +155,18 @@ std::string Win32Files::read(const std::string& name) const {
 
 void Win32Files::replace(const std::string& name, std::string_view bytes) {
     const std::wstring target = path(name);
-    const DWORD attributes = ::GetFileAttributesW(target.c_str());
-    const bool there = attributes != INVALID_FILE_ATTRIBUTES;
-    if (there && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+    const std::optional<DWORD> attributes = attributes_of(target);
+    if (attributes && (*attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
         throw support::Failure("Not a file");
     }
-    if (there && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+    if (attributes && (*attributes & FILE_ATTRIBUTE_READONLY) != 0) {
         throw support::Failure("The file is write-protected");
     }
     const std::wstring temporary = target + L".tmp";
     try {
         ::DeleteFileW(temporary.c_str());  // left over from a crash
         write_through(temporary, bytes);
-        if (there) {
+        if (attributes) {
             keep_backup(target);
         }
         move_over(temporary, target, "The file cannot be replaced");
@@ -171,7 +184,7 @@ void Win32Files::remove(const std::string& name) {
 }
 
 bool Win32Files::exists(const std::string& name) const {
-    return ::GetFileAttributesW(path(name).c_str()) != INVALID_FILE_ATTRIBUTES;
+    return attributes_of(path(name)).has_value();
 }
 
 std::vector<std::string> Win32Files::list(std::string_view ending) const {

@@ -6,13 +6,31 @@
 
 namespace platform::win32 {
 
+namespace {
+
+constexpr int kMostTries = 5;
+constexpr DWORD kTryIntervalMs = 100;
+
+}  // namespace
+
 Win32InstanceLock::Win32InstanceLock(const std::string& folder) : path_(wide(folder) + L"\\cockpit.lock") {}
 
 bool Win32InstanceLock::acquire() {
-    Handle file(::CreateFileW(path_.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
-                              FILE_ATTRIBUTE_NORMAL, nullptr));
+    Handle file;
+    SystemError error = 0;
+    // A backup or a virus scanner may hold the file for a moment, too.
+    for (int attempt = 0; attempt < kMostTries && !file.valid(); ++attempt) {
+        if (attempt > 0) {
+            ::Sleep(kTryIntervalMs);
+        }
+        file = Handle(::CreateFileW(path_.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr));
+        error = ::GetLastError();
+        if (!file.valid() && error != ERROR_SHARING_VIOLATION) {
+            break;
+        }
+    }
     if (!file.valid()) {
-        const SystemError error = ::GetLastError();
         if (error == ERROR_SHARING_VIOLATION) {
             return false;
         }

@@ -61,8 +61,12 @@ void Win32Keys::send(const std::string& keys) {
         inputs.push_back(key_input(*key, KEYEVENTF_KEYUP, layout));
     }
     const auto count = static_cast<UINT>(inputs.size());
-    if (::SendInput(count, inputs.data(), sizeof(INPUT)) != count) {
-        throw_system_failure("The system has not let the key through");
+    const UINT sent = ::SendInput(count, inputs.data(), sizeof(INPUT));
+    if (sent != count) {
+        // What has gone down comes up again: a Shift key that stays down would be felt everywhere.
+        const auto releases = static_cast<UINT>(pressed.size());
+        ::SendInput(releases, inputs.data() + releases, sizeof(INPUT));
+        throw support::Failure("The system has not let the key through; the active window may run as administrator");
     }
 }
 

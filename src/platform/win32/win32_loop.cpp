@@ -21,12 +21,16 @@ constexpr Milliseconds kPageSlice{5};
 // Newer systems slow down the timers of a process that shows no window, which is how this one lives. Older ones know
 // neither the call nor the slowness.
 void keep_timer_resolution() {
-    PROCESS_POWER_THROTTLING_STATE state{};
-    state.Version = PROCESS_POWER_THROTTLING_CURRENT_VERSION;
-    constexpr ULONG kIgnoreTimerResolution = 4;  // PROCESS_POWER_THROTTLING_IGNORE_TIMER_RESOLUTION
-    state.ControlMask = PROCESS_POWER_THROTTLING_EXECUTION_SPEED | kIgnoreTimerResolution;
-    state.StateMask = 0;
-    static_cast<void>(::SetProcessInformation(::GetCurrentProcess(), ProcessPowerThrottling, &state, sizeof(state)));
+    constexpr ULONG kExecutionSpeed = PROCESS_POWER_THROTTLING_EXECUTION_SPEED;
+    constexpr ULONG kIgnoreTimerResolution = 4;  // PROCESS_POWER_THROTTLING_IGNORE_TIMER_RESOLUTION, Windows 11
+    for (const ULONG controls : {kExecutionSpeed | kIgnoreTimerResolution, kExecutionSpeed}) {
+        PROCESS_POWER_THROTTLING_STATE state{};
+        state.Version = PROCESS_POWER_THROTTLING_CURRENT_VERSION;
+        state.ControlMask = controls;
+        if (::SetProcessInformation(::GetCurrentProcess(), ProcessPowerThrottling, &state, sizeof(state)) != FALSE) {
+            return;
+        }
+    }
 }
 
 DWORD whole_milliseconds(Duration duration) {
