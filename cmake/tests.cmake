@@ -25,6 +25,7 @@ if(NOT WIN32)
   add_library(tests_rig STATIC ${support_sources})
   target_link_libraries(tests_rig PUBLIC tests_support)
   target_compile_definitions(tests_rig PRIVATE PROJECT_ROOT="${CMAKE_SOURCE_DIR}")
+  target_compile_options(tests_rig PRIVATE $<$<CONFIG:Release>:-O1>)
   cockpit_headers(tests_rig OWN <gtest/gtest.h>)
 endif()
 

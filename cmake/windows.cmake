@@ -4,10 +4,6 @@ target_compile_definitions(project_options INTERFACE WIN32_LEAN_AND_MEAN NOMINMA
 target_link_options(project_options INTERFACE -static)
 # The server's unit has more sections than an object file usually holds.
 target_compile_options(project_options INTERFACE -Wa,-mbig-obj)
-if(NOT COCKPIT_PCH STREQUAL "NONE")
-  # Headers that were read before are no longer known as the compiler's own, and what it sees in them are no overflows.
-  target_compile_options(project_options INTERFACE -Wno-stringop-overflow -Wno-stringop-overread -Wno-array-bounds)
-endif()
 
 # What the Explorer shows of a program: icon, description, version.
 enable_language(RC)
